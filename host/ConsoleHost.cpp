@@ -1,0 +1,225 @@
+#include "host/ConsoleHost.h"
+
+#include "host/ExitStatus.h"
+#include "host/HostServices.h"
+#include "host/JsonLinesWriter.h"
+#include "host/SignalWatcher.h"
+#include "service/api/AbstractService.h"
+#include "service/api/Error.h"
+#include "service/api/HelpException.h"
+#include "service/api/ServiceLoader.h"
+#include "service/api/ServiceRunRequest.h"
+#include "service/contexts/GlobalContextProvider.h"
+#include "service/launcher/CLILauncher.h"
+#include "service/services/TimeoutProxyService.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <csignal>
+#include <cstdio>
+#include <unistd.h>
+
+using namespace EditorService;
+
+namespace {
+
+const QCommandLineOption& helpOption()
+{
+    static const QCommandLineOption option(QStringList{"h", "help"},
+                                           QStringLiteral("Displays help on commandline options."));
+    return option;
+}
+
+const QCommandLineOption& versionOption()
+{
+    static const QCommandLineOption option(QStringList{"v", "version"},
+                                           QStringLiteral("Displays version information."));
+    return option;
+}
+
+QList<QCommandLineOption> hostOptions()
+{
+    return QList<QCommandLineOption>{helpOption(), versionOption()}
+           + GlobalContextProvider::options() + TimeoutProxyService::options();
+}
+
+void printError(const QString& text)
+{
+    std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+    std::fflush(stderr);
+}
+
+} // namespace
+
+class ConsoleHost::Private {
+public:
+    Private(int& argc, char** argv)
+        : application(argc, argv)
+        , provider(QCoreApplication::arguments())
+        , loader(std::make_shared<ServiceLoader>())
+        , output(stdout, [this] { whenOutputClosed(); })
+        , signalWatcher([this](int signal) { stop(signal == SIGINT ? ExitStatus::Interrupted
+                                                             : ExitStatus::Terminated); })
+    {
+        registerHostServices(*loader, [this](int seconds, const QString& commandLine) {
+            reportTimeout(seconds, commandLine);
+        });
+    }
+
+    ~Private() { running.unsubscribe(); }
+
+    int exec();
+
+private:
+    QString helpText(QCommandLineParser& parser) const;
+    int runService(const ServiceRunRequest& command);
+    void finish(int status, std::exception_ptr error = {});
+    void stop(int status);
+    void whenOutputClosed();
+    void reportTimeout(int seconds, const QString& commandLine);
+
+    QCoreApplication application;
+    CLILauncher launcher;
+    GlobalContextProvider provider;
+    std::shared_ptr<ServiceLoader> loader;
+    JsonLinesWriter output;
+    SignalWatcher signalWatcher;
+    rxcpp::composite_subscription running;
+    std::exception_ptr failure;
+    int status = ExitStatus::Success;
+};
+
+QString ConsoleHost::Private::helpText(QCommandLineParser& parser) const
+{
+    QString text = parser.helpText() + QStringLiteral("\nServices:\n");
+    int width = 0;
+    for (const QString& name : loader->serviceNames())
+        width = std::max(width, int(name.size()));
+    for (const QString& name : loader->serviceNames())
+        text += QStringLiteral("  %1  %2\n").arg(name, -width).arg(loader->summary(name));
+    return text + QStringLiteral("\nRun \"reelsmith <service> --help\" for the options of one service.\n");
+}
+
+int ConsoleHost::Private::exec()
+{
+    const QStringList arguments = QCoreApplication::arguments();
+    const QList<QCommandLineOption> options = hostOptions();
+    std::optional<ServiceRunRequest> command;
+    QStringList hostArguments = arguments;
+    try {
+        command = ServiceRunRequest::fromCli(arguments, options);
+        hostArguments = arguments.mid(0, arguments.size() - command->arguments.size());
+    } catch (const Error&) {
+    }
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Runs the editor's services without a window. Each value a service produces is one line "
+        "of JSON on stdout; logs and errors go to stderr."));
+    parser.addOptions(options);
+    parser.addPositionalArgument(QStringLiteral("service"), QStringLiteral("The service to run."),
+                                 QStringLiteral("<service> [service arguments]"));
+    parser.parse(hostArguments);
+    if (parser.isSet(helpOption())) {
+        std::fputs(helpText(parser).toLocal8Bit().constData(), stdout);
+        return ExitStatus::Success;
+    }
+    if (parser.isSet(versionOption())) {
+        std::printf("reelsmith %s\n", QCoreApplication::applicationVersion().toLocal8Bit().constData());
+        return ExitStatus::Success;
+    }
+    if (!parser.unknownOptionNames().isEmpty()) {
+        printError(QStringLiteral("Unknown option \"%1\", try \"reelsmith --help\"")
+                       .arg(parser.unknownOptionNames().first()));
+        return ExitStatus::Usage;
+    }
+    if (!command) {
+        printError(QStringLiteral("No service specified, try \"reelsmith --help\""));
+        return ExitStatus::Usage;
+    }
+    if (!loader->serviceNames().contains(command->serviceName)) {
+        printError(QStringLiteral("Unknown service \"%1\", known services: %2")
+                       .arg(command->serviceName, loader->serviceNames().join(QStringLiteral(", "))));
+        return ExitStatus::Usage;
+    }
+    // A limit before the service name applies to the service, as one behind it does.
+    const QCommandLineOption timeout = TimeoutProxyService::options().first();
+    if (parser.isSet(timeout))
+        command->arguments.append(QStringLiteral("--timeout=%1").arg(parser.value(timeout)));
+    return runService(*command);
+}
+
+int ConsoleHost::Private::runService(const ServiceRunRequest& command)
+{
+    const auto values = loader->createService(command.serviceName)->run(command.arguments);
+    values.subscribe(
+        running, [this](const nlohmann::json& value) { output.write(value); },
+        [this](std::exception_ptr error) { finish(ExitStatus::Failure, error); },
+        [this] { finish(ExitStatus::Success); });
+    QCoreApplication::exec();
+    running.unsubscribe();
+    provider.waitForWorkers();
+    if (!failure)
+        return status;
+    try {
+        std::rethrow_exception(failure);
+    } catch (const CLI::HelpException& help) {
+        std::fputs(help.what(), stdout);
+        return ExitStatus::Success;
+    } catch (const std::exception& error) {
+        printError(QString::fromUtf8(error.what()));
+    } catch (...) {
+        printError(QStringLiteral("Unknown failure"));
+    }
+    return ExitStatus::Failure;
+}
+
+// Called from whichever thread ends the stream; the event loop ends on the main thread.
+void ConsoleHost::Private::finish(int exitStatus, std::exception_ptr error)
+{
+    QMetaObject::invokeMethod(
+        &application,
+        [this, exitStatus, error] {
+            if (status != ExitStatus::Success || failure)
+                return;
+            status = exitStatus;
+            failure = error;
+            QCoreApplication::exit(status);
+        },
+        Qt::QueuedConnection);
+}
+
+void ConsoleHost::Private::stop(int exitStatus)
+{
+    running.unsubscribe();
+    status = exitStatus;
+    QCoreApplication::exit(status);
+}
+
+void ConsoleHost::Private::whenOutputClosed()
+{
+    QMetaObject::invokeMethod(
+        &application, [this] { stop(ExitStatus::OutputClosed); }, Qt::QueuedConnection);
+}
+
+// Runs on the timer's thread and ends the process there, whatever the main thread is doing.
+void ConsoleHost::Private::reportTimeout(int seconds, const QString& commandLine)
+{
+    std::fflush(stdout);
+    std::fprintf(stderr, "Command timed out after %d s: %s\n", seconds,
+                 commandLine.toLocal8Bit().constData());
+    std::fflush(stderr);
+    std::_Exit(ExitStatus::TimedOut);
+}
+
+ConsoleHost::ConsoleHost(int& argc, char** argv)
+    : d(std::make_unique<Private>(argc, argv))
+{
+}
+
+ConsoleHost::~ConsoleHost() = default;
+
+int ConsoleHost::exec()
+{
+    return d->exec();
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdio>
+#include <functional>
+#include <mutex>
+#include <nlohmann/json.hpp>
+
+// Writes JSON values to a stream as JSON Lines: each value compact on its own line, written
+// whole and flushed, from any number of threads at once. When the reader has gone (a closed
+// pipe), further values are dropped and `closed` is called once, so the host can end quietly.
+class JsonLinesWriter {
+public:
+    explicit JsonLinesWriter(std::FILE* stream, std::function<void()> closed = {});
+
+    void write(const nlohmann::json& value);
+    bool isClosed() const;
+
+private:
+    mutable std::mutex m_mutex;
+    std::FILE* m_stream;
+    std::function<void()> m_closed;
+    bool m_isClosed = false;
+};

@@ -1,0 +1,22 @@
+#include "host/ConsoleHost.h"
+#include "host/ExitStatus.h"
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <glog/logging.h>
+
+int main(int argc, char** argv)
+{
+    FLAGS_logtostderr = true;
+    google::InitGoogleLogging(argv[0]);
+    // A closed stdout shows as a failed write, which ends the host quietly.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        ConsoleHost host(argc, argv);
+        return host.exec();
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return ExitStatus::Failure;
+    }
+}

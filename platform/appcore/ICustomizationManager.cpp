@@ -1,0 +1,7 @@
+#include "platform/appcore/ICustomizationManager.h"
+
+namespace Velmor::App {
+
+ICustomizationManager::~ICustomizationManager() = default;
+
+} // namespace Velmor::App

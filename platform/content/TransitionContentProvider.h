@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QStringList>
+
+namespace Transition {
+
+// Offers the transitions.
+class ContentProvider {
+public:
+    ContentProvider();
+    ContentProvider(const ContentProvider&) = delete;
+    ContentProvider& operator=(const ContentProvider&) = delete;
+    ~ContentProvider();
+
+    // The names of the items offered, in display order.
+    QStringList items() const;
+};
+
+} // namespace Transition

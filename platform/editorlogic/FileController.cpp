@@ -1,0 +1,50 @@
+#include "platform/editorlogic/FileController.h"
+
+#include "platform/editorlogic/ICreatorFileParser.h"
+#include "platform/editorlogic/JobThread.h"
+#include "platform/engine/Probe.h"
+#include "platform/foundation/CallLog.h"
+
+#include <atomic>
+
+namespace Media {
+namespace {
+
+std::atomic<FileController*> s_instance{nullptr};
+
+} // namespace
+
+FileController::FileController(ICreatorFileParser* parsers)
+    : m_parsers(parsers) {
+    Velmor::Testing::Probe::hit("Media::FileController::FileController");
+    m_jobs =
+        std::make_unique<Task::JobThread>([this] { emit isBusy(); }, [this] { emit isIdle(); });
+    Velmor::Testing::CallLog::record("Media::FileController::FileController");
+    s_instance.store(this);
+}
+
+FileController::~FileController() {
+    FileController* self = this;
+    s_instance.compare_exchange_strong(self, nullptr);
+    m_jobs.reset();
+    Velmor::Testing::CallLog::record("Media::FileController::~FileController");
+}
+
+FileController* FileController::instance() {
+    return s_instance.load();
+}
+
+ICreatorFileParser* FileController::parsers() const {
+    return m_parsers;
+}
+
+void FileController::submit(std::function<void()> work) {
+    m_jobs->submit(std::move(work));
+}
+
+void FileController::open(const QString& path, std::function<void(const QString& parser)> done) {
+    ICreatorFileParser* parsers = m_parsers;
+    m_jobs->submit([parsers, path, done = std::move(done)] { done(parsers->fileParserFor(path)); });
+}
+
+} // namespace Media

@@ -1,0 +1,7 @@
+#include "platform/editorlogic/ICreatorAudioDecoder.h"
+
+namespace Media {
+
+ICreatorAudioDecoder::~ICreatorAudioDecoder() = default;
+
+} // namespace Media

@@ -1,0 +1,7 @@
+#include "platform/editorlogic/ICreatorAudioStreamCutter.h"
+
+namespace Media {
+
+ICreatorAudioStreamCutter::~ICreatorAudioStreamCutter() = default;
+
+} // namespace Media

@@ -1,0 +1,7 @@
+#include "platform/editorlogic/ICreatorFileParser.h"
+
+namespace Media {
+
+ICreatorFileParser::~ICreatorFileParser() = default;
+
+} // namespace Media

@@ -1,0 +1,7 @@
+#include "platform/editorlogic/ICreatorVideoDecoder.h"
+
+namespace Media {
+
+ICreatorVideoDecoder::~ICreatorVideoDecoder() = default;
+
+} // namespace Media

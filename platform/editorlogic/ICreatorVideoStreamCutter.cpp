@@ -1,0 +1,7 @@
+#include "platform/editorlogic/ICreatorVideoStreamCutter.h"
+
+namespace Media {
+
+ICreatorVideoStreamCutter::~ICreatorVideoStreamCutter() = default;
+
+} // namespace Media

@@ -1,0 +1,7 @@
+#include "platform/editorlogic/IRedirectionTableHolder.h"
+
+namespace Resource {
+
+IRedirectionTableHolder::~IRedirectionTableHolder() = default;
+
+} // namespace Resource

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/editorlogic/IRedirectionTableHolder.h"
+#include "platform/editorlogic/RedirectionTable.h"
+
+namespace Resource {
+
+// Keeps the redirection table in memory; flush() records that it would be written.
+class RedirectionTableHolder : public IRedirectionTableHolder {
+public:
+    RedirectionTableHolder();
+    ~RedirectionTableHolder() override;
+
+    RedirectionTable& table() override;
+    const RedirectionTable& table() const override;
+    void flush() const override;
+
+private:
+    RedirectionTable m_table;
+};
+
+} // namespace Resource

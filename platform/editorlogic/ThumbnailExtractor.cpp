@@ -1,0 +1,7 @@
+#include "platform/editorlogic/ThumbnailExtractor.h"
+
+namespace Thumbnail {
+
+Extractor::~Extractor() = default;
+
+} // namespace Thumbnail

@@ -1,0 +1,7 @@
+#include "platform/editorlogic/ThumbnailTaskProvider.h"
+
+namespace Thumbnail {
+
+TaskProvider::~TaskProvider() = default;
+
+} // namespace Thumbnail

@@ -1,0 +1,20 @@
+#include "platform/engine/PluginRegistry.h"
+
+#include <algorithm>
+
+namespace Velmor::Core {
+
+const std::vector<std::string>& PluginRegistry::KnownPlugins() {
+    static const std::vector<std::string> plugins{
+        "EffectsIPP", "Effects",         "EffectsFF",  "EffectsOgl",   "DecodersFF",
+        "EncodersFF", "EncoderLossless", "EncoderAMF", "EncoderNVENC", "DecoderNVDEC",
+        "EncoderIM",  "DecoderMF",       "EncoderMF",  "DecoderRAW"};
+    return plugins;
+}
+
+bool PluginRegistry::IsKnown(const std::string& pluginName) {
+    const auto& plugins = KnownPlugins();
+    return std::find(plugins.begin(), plugins.end(), pluginName) != plugins.end();
+}
+
+} // namespace Velmor::Core

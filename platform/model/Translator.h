@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+// The locale the editor's texts are shown in.
+class Translator {
+public:
+    // Makes the locale ("en_US") the current one and the process's default QLocale. Throws
+    // std::invalid_argument, quoting the name, when Qt knows no such locale.
+    static void setCurrentLocale(const QString& locale);
+
+    // The locale last set; empty before the first.
+    static QString currentLocale();
+};

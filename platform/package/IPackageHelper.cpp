@@ -1,0 +1,7 @@
+#include "platform/package/IPackageHelper.h"
+
+namespace Package {
+
+IPackageHelper::~IPackageHelper() = default;
+
+} // namespace Package

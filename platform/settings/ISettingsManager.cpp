@@ -1,0 +1,7 @@
+#include "platform/settings/ISettingsManager.h"
+
+namespace Velmor::App {
+
+ISettingsManager::~ISettingsManager() = default;
+
+} // namespace Velmor::App

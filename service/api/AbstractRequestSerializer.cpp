@@ -1,0 +1,7 @@
+#include "service/api/AbstractRequestSerializer.h"
+
+namespace EditorService {
+
+AbstractRequestSerializer::~AbstractRequestSerializer() = default;
+
+} // namespace EditorService

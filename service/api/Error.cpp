@@ -1,0 +1,19 @@
+#include "service/api/Error.h"
+
+namespace EditorService {
+
+Error::Error(const std::string& message)
+    : m_message(message)
+{
+}
+
+Error::Error(const Error& other) = default;
+
+Error::~Error() = default;
+
+const char* Error::what() const noexcept
+{
+    return m_message.c_str();
+}
+
+} // namespace EditorService

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "service/api/EditorServiceExport.h"
+
+#include <QCommandLineOption>
+#include <QFlags>
+#include <QList>
+#include <QObject>
+#include <QStringList>
+#include <memory>
+
+namespace Velmor::rx {
+class LimitedResource;
+}
+
+namespace EditorService {
+
+// The process-wide owner of the editor's runtime. Nothing of it runs until somebody requires
+// it: require builds the contexts asked for and what they depend on, each once, on the
+// caller's thread, and keeps them until the provider is destroyed. It also hands out the
+// shared limited resources and lets its own thread wait until no worker is busy.
+//
+// require, requireAll and resource may be called from any thread; waitForWorkers only on the
+// thread that created the provider.
+class EDITORSERVICE_EXPORT GlobalContextProvider : public QObject {
+    Q_OBJECT
+public:
+    // Declared in this order on purpose: require walks the keys by index.
+    enum GlobalContext {
+        Engine = 1,
+        Media = 2,
+        Render = 4,
+        Content = 8,
+    };
+    Q_ENUM(GlobalContext)
+    Q_DECLARE_FLAGS(GlobalContexts, GlobalContext)
+
+    enum Resource {
+        RenderJobs = 0,
+    };
+
+    // arguments: the process's argument list. With "hot-start" the whole runtime is built
+    // before the constructor returns.
+    explicit GlobalContextProvider(const QStringList& arguments);
+    ~GlobalContextProvider() override;
+
+    // The provider alive now; null before the first and once its destructor has begun.
+    static GlobalContextProvider* instance();
+    // Every command-line option of the runtime.
+    static QList<QCommandLineOption> options();
+
+    void require(QFlags<GlobalContext> contexts);
+    void requireAll();
+    // The shared resource, built at its first use. Throws std::invalid_argument for a value
+    // that names no resource.
+    std::shared_ptr<Velmor::rx::LimitedResource> resource(Resource which) const;
+    void waitForWorkers();
+
+private:
+    void requireInner(GlobalContext context);
+
+    class Private;
+    std::unique_ptr<Private> d;
+
+    static GlobalContextProvider* s_self;
+};
+
+} // namespace EditorService
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(EditorService::GlobalContextProvider::GlobalContexts)

@@ -1,0 +1,43 @@
+#include "service/requests/PresetFrameSize.h"
+
+PresetFrameSize::PresetFrameSize()
+    : width(ORIGINAL)
+    , height(ORIGINAL) {}
+
+PresetFrameSize::PresetFrameSize(std::int32_t width, std::int32_t height)
+    : width(width)
+    , height(height) {}
+
+PresetFrameSize::PresetFrameSize(const PresetFrameSize& other) = default;
+
+PresetFrameSize::PresetFrameSize(PresetFrameSize&& other) noexcept = default;
+
+PresetFrameSize& PresetFrameSize::operator=(const PresetFrameSize& other) {
+    width = other.width;
+    height = other.height;
+    return *this;
+}
+
+PresetFrameSize& PresetFrameSize::operator=(PresetFrameSize&& other) noexcept {
+    width = other.width;
+    height = other.height;
+    return *this;
+}
+
+PresetFrameSize::~PresetFrameSize() = default;
+
+bool PresetFrameSize::isOriginal() const {
+    return width == ORIGINAL && height == ORIGINAL;
+}
+
+bool PresetFrameSize::isEven() const {
+    return (width & 1) == 0 && (height & 1) == 0;
+}
+
+bool PresetFrameSize::operator==(const PresetFrameSize& other) const {
+    return width == other.width && height == other.height;
+}
+
+QString PresetFrameSize::originalSizeString() {
+    return QStringLiteral("original");
+}

@@ -1,0 +1,125 @@
+#include "host/services/PresetService.h"
+
+#include "service/api/Error.h"
+#include "tests/host/services/Collect.h"
+
+#include <gtest/gtest.h>
+
+using namespace EditorService::Testing;
+using EditorService::Error;
+
+namespace {
+
+std::shared_ptr<Collected> runPreset(QStringList arguments) {
+    arguments.prepend(QStringLiteral("app"));
+    PresetService service;
+    return collectToEnd(service.run(arguments));
+}
+
+// The failure of the stream, which must be an Error.
+std::string failureOf(const std::shared_ptr<Collected>& collected) {
+    if (!collected->error)
+        return "no failure";
+    try {
+        std::rethrow_exception(collected->error);
+    } catch (const Error& error) {
+        return error.what();
+    } catch (const std::exception& error) {
+        return std::string("not an Error: ") + error.what();
+    }
+}
+
+TEST(PresetServiceTest, IsKnownAsPreset) {
+    EXPECT_EQ(PresetService::serviceId(), QStringLiteral("preset"));
+}
+
+TEST(PresetServiceTest, WithoutOptionsEmitsTheDefaultPreset) {
+    const auto collected = runPreset({});
+    ASSERT_EQ(collected->values.size(), 1u) << failureOf(collected);
+    EXPECT_TRUE(collected->completed);
+    const auto& preset = collected->values.front();
+    EXPECT_EQ(preset.at("id"), "mp4");
+    EXPECT_EQ(preset.at("width"), 0);
+    EXPECT_EQ(preset.at("videoCodec"), "CODEC_ID_H264");
+}
+
+TEST(PresetServiceTest, AppliesEveryOverride) {
+    const auto collected = runPreset(
+        {"--preset=mp4", "--preset-video-codec=CODEC_ID_HEVC", "--preset-resize-fill-mode=Center",
+         "--preset-frame-size=1280:720", "--preset-video-bitrate=1200000",
+         "--preset-audio-bitrate=96000", "--project-size=1920:1080"});
+    ASSERT_EQ(collected->values.size(), 1u) << failureOf(collected);
+    const auto& preset = collected->values.front();
+    EXPECT_EQ(preset.at("videoCodec"), "CODEC_ID_HEVC");
+    EXPECT_EQ(preset.at("resizeFillMode"), "Center");
+    EXPECT_EQ(preset.at("width"), 1280);
+    EXPECT_EQ(preset.at("height"), 720);
+    EXPECT_EQ(preset.at("videoBitrateMode"), "Bps");
+    EXPECT_EQ(preset.at("videoBitrateBps"), 1200000);
+    EXPECT_EQ(preset.at("audioBitrateBps"), 96000);
+}
+
+TEST(PresetServiceTest, OriginalFrameSizeTakesTheProjectSize) {
+    const auto collected = runPreset({"--preset-frame-size=original", "--project-size=1080:1920"});
+    ASSERT_EQ(collected->values.size(), 1u) << failureOf(collected);
+    EXPECT_EQ(collected->values.front().at("width"), 1080);
+    EXPECT_EQ(collected->values.front().at("height"), 1920);
+}
+
+TEST(PresetServiceTest, ProjectOfOddSizeFailsForTheOriginalFrameSize) {
+    const auto collected = runPreset({"--preset-frame-size=original", "--project-size=1921:1080"});
+    EXPECT_EQ(failureOf(collected), "Frame size must be even.");
+    EXPECT_TRUE(collected->values.empty());
+    EXPECT_FALSE(collected->completed);
+}
+
+TEST(PresetServiceTest, FrameSizeWithoutAProjectIsNotApplied) {
+    const auto collected = runPreset({"--preset-frame-size=1281:721"});
+    ASSERT_EQ(collected->values.size(), 1u) << failureOf(collected);
+    EXPECT_EQ(collected->values.front().at("width"), 0);
+}
+
+TEST(PresetServiceTest, UnknownPresetFailsWithTheAvailableOnes) {
+    EXPECT_EQ(failureOf(runPreset({"--preset=4320p"})),
+              "Unknown preset: 4320p\nAvailable presets:\nmp4\n2160p\n1440p\n1080p\n720p\n480p\n"
+              "360p");
+}
+
+TEST(PresetServiceTest, CodecThePresetLacksFails) {
+    EXPECT_EQ(failureOf(runPreset({"--preset=360p", "--preset-video-codec=CODEC_ID_HEVC"})),
+              "Unexpected video codec for preset: CODEC_ID_HEVC");
+}
+
+TEST(PresetServiceTest, ProjectSizeMustBeTwoNumbers) {
+    EXPECT_EQ(failureOf(runPreset({"--project-size=original"})),
+              "Project size must be given as width:height");
+    EXPECT_EQ(failureOf(runPreset({"--project-size=1920"})),
+              "Can not parse frame size \"1920\", expects \"width:height\"");
+}
+
+TEST(PresetServiceTest, RequestRoundTripsThroughCommandLineAndJson) {
+    PresetRequest request;
+    request.presetContext.preset = QStringLiteral("1080p");
+    request.presetContext.frameSize = PresetFrameSize();
+    request.presetContext.audioBitrate = 64000;
+    request.projectSize = PresetFrameSize(1280, 720);
+    PresetRequest::Serializer serializer;
+    const QStringList cli = serializer.toCli(request);
+    EXPECT_EQ(cli, (QStringList{"--preset=1080p", "--preset-frame-size=",
+                                "--preset-audio-bitrate=64000", "--project-size=1280:720"}));
+    const nlohmann::json json = serializer.toJson(request);
+    EXPECT_EQ(json, (nlohmann::json{{"preset", "1080p"},
+                                    {"preset-frame-size", ""},
+                                    {"preset-audio-bitrate", 64000},
+                                    {"project-size", "1280:720"}}));
+    for (const auto& loaded : {serializer.loadFromCli(cli), serializer.loadFromJson(json)}) {
+        const auto& typed = dynamic_cast<const PresetRequest&>(*loaded);
+        EXPECT_EQ(typed.presetContext.preset, QStringLiteral("1080p"));
+        EXPECT_EQ(typed.presetContext.frameSize, PresetFrameSize());
+        EXPECT_EQ(typed.presetContext.audioBitrate, 64000);
+        EXPECT_FALSE(typed.presetContext.videoBitrate.has_value());
+        EXPECT_EQ(typed.projectSize, PresetFrameSize(1280, 720));
+    }
+}
+
+} // namespace

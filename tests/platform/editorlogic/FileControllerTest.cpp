@@ -1,0 +1,105 @@
+#include "platform/editorlogic/FileController.h"
+
+#include "platform/editorlogic/ExecutorFactory.h"
+#include "platform/engine/Probe.h"
+#include "platform/foundation/CallLog.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <future>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+
+using Velmor::Testing::CallLog;
+using Velmor::Testing::Probe;
+
+namespace {
+
+constexpr auto generously = std::chrono::seconds(60);
+
+} // namespace
+
+class FileControllerTest : public testing::Test {
+protected:
+    void SetUp() override {
+        Probe::clear();
+        CallLog::clear();
+    }
+
+    Core::ExecutorFactory parsers;
+};
+
+TEST_F(FileControllerTest, KeepsTheParserCreatorItWasGiven) {
+    Media::FileController controller(&parsers);
+    EXPECT_EQ(controller.parsers(), static_cast<Media::ICreatorFileParser*>(&parsers));
+}
+
+TEST_F(FileControllerTest, OpensAFileOnItsOwnThreadBetweenBusyAndIdle) {
+    QTemporaryDir directory;
+    ASSERT_TRUE(directory.isValid());
+    const QString path = directory.filePath("clip.MP4");
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.close();
+
+    std::mutex mutex;
+    std::vector<std::string> events;
+    std::vector<std::thread::id> threads;
+    auto note = [&](const std::string& event) {
+        std::lock_guard<std::mutex> lock(mutex);
+        events.push_back(event);
+        threads.push_back(std::this_thread::get_id());
+    };
+    std::promise<void> idle;
+    Media::FileController controller(&parsers);
+    QObject::connect(
+        &controller, &Media::FileController::isBusy, &controller, [&] { note("isBusy"); },
+        Qt::DirectConnection);
+    QObject::connect(
+        &controller, &Media::FileController::isIdle, &controller,
+        [&] {
+            note("isIdle");
+            idle.set_value();
+        },
+        Qt::DirectConnection);
+    controller.open(path, [&](const QString& parser) { note(parser.toStdString()); });
+    ASSERT_EQ(idle.get_future().wait_for(generously), std::future_status::ready);
+    std::lock_guard<std::mutex> lock(mutex);
+    const std::vector<std::string> expected{"isBusy", "FileParser:mp4", "isIdle"};
+    EXPECT_EQ(events, expected);
+    for (const auto& thread : threads)
+        EXPECT_NE(thread, std::this_thread::get_id());
+}
+
+TEST_F(FileControllerTest, SubmittedWorkRunsOnTheControllersThread) {
+    std::promise<std::thread::id> ran;
+    Media::FileController controller(&parsers);
+    controller.submit([&] { ran.set_value(std::this_thread::get_id()); });
+    auto result = ran.get_future();
+    ASSERT_EQ(result.wait_for(generously), std::future_status::ready);
+    EXPECT_NE(result.get(), std::this_thread::get_id());
+}
+
+TEST_F(FileControllerTest, InstanceIsTheLastControllerStillAlive) {
+    EXPECT_EQ(Media::FileController::instance(), nullptr);
+    {
+        Media::FileController controller(&parsers);
+        EXPECT_EQ(Media::FileController::instance(), &controller);
+    }
+    EXPECT_EQ(Media::FileController::instance(), nullptr);
+}
+
+TEST_F(FileControllerTest, ConstructionAndDestructionAreRecorded) {
+    { Media::FileController controller(&parsers); }
+    const std::vector<std::string> expected{"Media::FileController::FileController",
+                                            "Media::FileController::~FileController"};
+    EXPECT_EQ(CallLog::entries(), expected);
+}
+
+TEST_F(FileControllerTest, AnInjectedFailureLeavesTheConstructor) {
+    Probe::failNext("Media::FileController::FileController");
+    EXPECT_THROW(Media::FileController controller(&parsers), std::runtime_error);
+    EXPECT_TRUE(CallLog::entries().empty());
+}

@@ -1,0 +1,121 @@
+#include "platform/editorlogic/JobThread.h"
+
+#include <QString>
+#include <chrono>
+#include <future>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+
+using Task::JobThread;
+
+namespace {
+
+constexpr auto generously = std::chrono::seconds(60);
+
+// What happened, in order, with the thread it happened on.
+struct Journal {
+    std::mutex mutex;
+    std::vector<std::string> events;
+    std::vector<std::thread::id> threads;
+
+    void add(const std::string& event) {
+        std::lock_guard<std::mutex> lock(mutex);
+        events.push_back(event);
+        threads.push_back(std::this_thread::get_id());
+    }
+    std::vector<std::string> snapshot() {
+        std::lock_guard<std::mutex> lock(mutex);
+        return events;
+    }
+};
+
+} // namespace
+
+TEST(JobThreadTest, RunsJobsInOrderBetweenOneBusyAndOneIdle) {
+    Journal journal;
+    std::promise<void> idle;
+    std::promise<void> release;
+    auto released = release.get_future().share();
+    {
+        JobThread jobs([&] { journal.add("busy"); },
+                       [&] {
+                           journal.add("idle");
+                           idle.set_value();
+                       });
+        jobs.submit([&, released] {
+            released.wait();
+            journal.add("a");
+        });
+        jobs.submit([&] { journal.add("b"); });
+        jobs.submit([&] { journal.add("c"); });
+        release.set_value();
+        ASSERT_EQ(idle.get_future().wait_for(generously), std::future_status::ready);
+    }
+    const std::vector<std::string> expected{"busy", "a", "b", "c", "idle"};
+    EXPECT_EQ(journal.snapshot(), expected);
+    for (const auto& thread : journal.threads)
+        EXPECT_NE(thread, std::this_thread::get_id());
+}
+
+TEST(JobThreadTest, EachRunAfterARestHasItsOwnBusyAndIdle) {
+    Journal journal;
+    std::promise<void> firstIdle;
+    std::promise<void> secondIdle;
+    int idles = 0;
+    JobThread jobs([&] { journal.add("busy"); },
+                   [&] {
+                       journal.add("idle");
+                       (++idles == 1 ? firstIdle : secondIdle).set_value();
+                   });
+    jobs.submit([&] { journal.add("a"); });
+    ASSERT_EQ(firstIdle.get_future().wait_for(generously), std::future_status::ready);
+    jobs.submit([&] { journal.add("b"); });
+    ASSERT_EQ(secondIdle.get_future().wait_for(generously), std::future_status::ready);
+    const std::vector<std::string> expected{"busy", "a", "idle", "busy", "b", "idle"};
+    EXPECT_EQ(journal.snapshot(), expected);
+}
+
+TEST(JobThreadTest, AJobThatThrowsEndsAlone) {
+    Journal journal;
+    std::promise<void> idle;
+    JobThread jobs([] {}, [&] { idle.set_value(); });
+    jobs.submit([] { throw std::runtime_error("broken"); });
+    jobs.submit([&] { journal.add("after"); });
+    ASSERT_EQ(idle.get_future().wait_for(generously), std::future_status::ready);
+    EXPECT_EQ(journal.snapshot(), std::vector<std::string>{"after"});
+}
+
+TEST(JobThreadTest, DestructorWaitsForTheRunningJobAndDropsTheQueuedOnes) {
+    Journal journal;
+    std::promise<void> started;
+    std::promise<void> release;
+    auto released = release.get_future().share();
+    std::thread releaser;
+    {
+        JobThread jobs([&] { journal.add("busy"); }, [&] { journal.add("idle"); });
+        jobs.submit([&, released] {
+            started.set_value();
+            released.wait();
+            journal.add("running");
+        });
+        jobs.submit([&] { journal.add("queued"); });
+        ASSERT_EQ(started.get_future().wait_for(generously), std::future_status::ready);
+        releaser = std::thread([&release] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            release.set_value();
+        });
+    }
+    releaser.join();
+    const std::vector<std::string> expected{"busy", "running"};
+    EXPECT_EQ(journal.snapshot(), expected);
+}
+
+TEST(JobThreadTest, StartsNoThreadBeforeTheFirstJob) {
+    bool called = false;
+    {
+        JobThread jobs([&] { called = true; }, [&] { called = true; });
+    }
+    EXPECT_FALSE(called);
+}

@@ -1,0 +1,90 @@
+#include "platform/editorlogic/TaskController.h"
+
+#include "platform/engine/Probe.h"
+#include "platform/foundation/CallLog.h"
+
+#include <future>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+
+using Velmor::Testing::CallLog;
+using Velmor::Testing::Probe;
+
+namespace {
+
+constexpr auto generously = std::chrono::seconds(60);
+
+} // namespace
+
+class TaskControllerTest : public testing::Test {
+protected:
+    void SetUp() override {
+        Probe::clear();
+        CallLog::clear();
+    }
+};
+
+TEST_F(TaskControllerTest, SignalsBusyAndIdleFromItsOwnThreadAroundTheWork) {
+    std::mutex mutex;
+    std::vector<std::string> events;
+    std::vector<std::thread::id> threads;
+    auto note = [&](const std::string& event) {
+        std::lock_guard<std::mutex> lock(mutex);
+        events.push_back(event);
+        threads.push_back(std::this_thread::get_id());
+    };
+    std::promise<void> idle;
+    Task::Controller controller;
+    QObject::connect(
+        &controller, &Task::Controller::isBusy, &controller, [&] { note("isBusy"); },
+        Qt::DirectConnection);
+    QObject::connect(
+        &controller, &Task::Controller::isIdle, &controller,
+        [&] {
+            note("isIdle");
+            idle.set_value();
+        },
+        Qt::DirectConnection);
+    controller.submit([&] { note("task"); });
+    ASSERT_EQ(idle.get_future().wait_for(generously), std::future_status::ready);
+    std::lock_guard<std::mutex> lock(mutex);
+    const std::vector<std::string> expected{"isBusy", "task", "isIdle"};
+    EXPECT_EQ(events, expected);
+    for (const auto& thread : threads)
+        EXPECT_NE(thread, std::this_thread::get_id());
+}
+
+TEST_F(TaskControllerTest, InstanceIsTheLastControllerStillAlive) {
+    EXPECT_EQ(Task::Controller::instance(), nullptr);
+    {
+        Task::Controller first;
+        EXPECT_EQ(Task::Controller::instance(), &first);
+        {
+            Task::Controller second;
+            EXPECT_EQ(Task::Controller::instance(), &second);
+        }
+        EXPECT_EQ(Task::Controller::instance(), nullptr);
+    }
+    EXPECT_EQ(Task::Controller::instance(), nullptr);
+}
+
+TEST_F(TaskControllerTest, ConstructionAndDestructionAreRecorded) {
+    { Task::Controller controller; }
+    const std::vector<std::string> expected{"Task::Controller::Controller",
+                                            "Task::Controller::~Controller"};
+    EXPECT_EQ(CallLog::entries(), expected);
+}
+
+TEST_F(TaskControllerTest, AnInjectedFailureLeavesTheConstructor) {
+    Probe::failNext("Task::Controller::Controller");
+    try {
+        Task::Controller controller;
+        FAIL() << "no exception";
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "Injected failure at Task::Controller::Controller");
+    }
+    EXPECT_TRUE(CallLog::entries().empty());
+    EXPECT_EQ(Task::Controller::instance(), nullptr);
+}

@@ -1,0 +1,138 @@
+#include <rxcpp/rx.hpp>
+
+#include "tests/platform/rx/Recorder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <thread>
+
+using EditorService::Testing::Recorder;
+using testing::ElementsAre;
+
+namespace {
+
+struct CustomError {
+    int code;
+};
+
+} // namespace
+
+TEST(ObservableTest, CreateRunsInsideSubscribeOnTheSubscribingThread) {
+    std::thread::id producer;
+    bool inside = false;
+    auto o = rxcpp::observable<>::create<int>([&](rxcpp::subscriber<int> s) {
+        producer = std::this_thread::get_id();
+        inside = true;
+        s.on_next(1);
+        s.on_completed();
+    });
+    Recorder r;
+    EXPECT_FALSE(inside);
+    o.subscribe(r.subscriber<int>());
+    EXPECT_EQ(producer, std::this_thread::get_id());
+    EXPECT_THAT(r.lines(), ElementsAre("on_next(1)", "on_completed"));
+}
+
+TEST(ObservableTest, ThrowFromCreateBecomesOnErrorWithTheSameObject) {
+    const auto thrown = std::make_exception_ptr(std::runtime_error("create"));
+    std::exception_ptr received;
+    rxcpp::observable<>::create<int>([&](rxcpp::subscriber<int>) {
+        std::rethrow_exception(thrown);
+    }).subscribe([](int) {}, [&](std::exception_ptr e) { received = e; });
+    EXPECT_EQ(received, thrown);
+}
+
+TEST(ObservableTest, ProducerLoopStopsWhenTheSubscriberUnsubscribes) {
+    int produced = 0;
+    auto o = rxcpp::observable<>::create<int>([&](rxcpp::subscriber<int> s) {
+        for (int i = 0; s.is_subscribed() && i < 1000; ++i) {
+            ++produced;
+            s.on_next(i);
+        }
+    });
+    rxcpp::composite_subscription cs;
+    o.subscribe(
+        cs,
+        [&](int v) {
+            if (v == 2)
+                cs.unsubscribe();
+        },
+        [](std::exception_ptr) {});
+    EXPECT_EQ(produced, 3);
+}
+
+TEST(ObservableTest, JustSendsOneValueThenCompletes) {
+    Recorder r;
+    rxcpp::observable<>::just(7).subscribe(r.subscriber<int>());
+    EXPECT_THAT(r.lines(), ElementsAre("on_next(7)", "on_completed"));
+}
+
+TEST(ObservableTest, ErrorFromAnExceptionObjectFailsEverySubscriberWithIt) {
+    auto o = rxcpp::observable<>::error<int>(std::runtime_error("stored"));
+    std::exception_ptr first;
+    std::exception_ptr second;
+    o.subscribe([](int) {}, [&](std::exception_ptr e) { first = e; });
+    o.subscribe([](int) {}, [&](std::exception_ptr e) { second = e; });
+    EXPECT_EQ(Recorder::describe(first), "stored");
+    EXPECT_EQ(first, second);
+}
+
+TEST(ObservableTest, ErrorFromAnExceptionPointerKeepsIt) {
+    const auto ep = std::make_exception_ptr(CustomError{42});
+    std::exception_ptr received;
+    rxcpp::observable<>::error<int>(ep).subscribe([](int) {},
+                                                  [&](std::exception_ptr e) { received = e; });
+    EXPECT_EQ(received, ep);
+}
+
+TEST(ObservableTest, SubscribeFormsPickOnErrorAndOnCompletedByTheirParameters) {
+    Recorder r;
+    auto values = rxcpp::observable<>::just(1);
+    auto failure = rxcpp::observable<>::error<int>(std::runtime_error("boom"));
+    values.subscribe([&](int v) { r.add("next " + std::to_string(v)); });
+    values.subscribe([](int) {}, [&] { r.add("completed"); });
+    failure.subscribe([](int) {}, [&](std::exception_ptr) { r.add("error"); });
+    values.subscribe([](int) {}, [](std::exception_ptr) {}, [&] { r.add("completed 3"); });
+    rxcpp::composite_subscription cs;
+    values.subscribe(
+        cs, [&](int) { r.add("with lifetime"); }, [](std::exception_ptr) {});
+    values.subscribe(r.subscriber<int>());
+    EXPECT_THAT(r.lines(), ElementsAre("next 1", "completed", "error", "completed 3",
+                                       "with lifetime", "on_next(1)", "on_completed"));
+}
+
+TEST(ObservableTest, SubscribeReturnsTheSubscribersLifetime) {
+    rxcpp::composite_subscription cs;
+    rxcpp::subjects::subject<int> source;
+    auto returned = source.get_observable().subscribe(
+        cs, [](int) {}, [](std::exception_ptr) {});
+    EXPECT_TRUE(source.has_observers());
+    returned.unsubscribe();
+    EXPECT_FALSE(cs.is_subscribed());
+    EXPECT_FALSE(source.has_observers());
+}
+
+TEST(ObservableTest, CopiesAndAsDynamicShareTheSource) {
+    int subscriptions = 0;
+    auto o = rxcpp::observable<>::create<int>([&](rxcpp::subscriber<int> s) {
+        ++subscriptions;
+        s.on_completed();
+    });
+    rxcpp::observable<int> copy = o;
+    rxcpp::observable<int, rxcpp::dynamic_observable<int>> dynamic = o.as_dynamic();
+    copy.subscribe([](int) {}, [](std::exception_ptr) {});
+    dynamic.subscribe([](int) {}, [](std::exception_ptr) {});
+    EXPECT_EQ(subscriptions, 2);
+}
+
+TEST(ObservableTest, SubscribingAnAlreadyEndedSubscriberDoesNotRunTheSource) {
+    bool ran = false;
+    auto o = rxcpp::observable<>::create<int>([&](rxcpp::subscriber<int>) { ran = true; });
+    rxcpp::composite_subscription cs;
+    cs.unsubscribe();
+    o.subscribe(
+        cs, [](int) {}, [](std::exception_ptr) {});
+    EXPECT_FALSE(ran);
+}

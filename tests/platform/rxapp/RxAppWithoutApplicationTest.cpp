@@ -1,0 +1,30 @@
+// Runs without the shared test main, so that no QCoreApplication exists.
+#include "platform/rxapp/RxApp.h"
+
+#include <QCoreApplication>
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+TEST(RxAppWithoutApplicationTest, InstanceThrowsLogicErrorWhileNoQCoreApplicationExists) {
+    ASSERT_EQ(QCoreApplication::instance(), nullptr);
+    try {
+        RxApp::instance();
+        FAIL() << "no exception";
+    } catch (const std::logic_error& e) {
+        EXPECT_STREQ(e.what(), "RxApp needs a live QCoreApplication");
+    }
+}
+
+TEST(RxAppWithoutApplicationTest, InstanceIsMadeOnceAnApplicationExists) {
+    int argc = 1;
+    char name[] = "rxapp_noapp_tests";
+    char* argv[] = {name, nullptr};
+    try {
+        RxApp::instance();
+    } catch (const std::logic_error&) {
+    }
+    QCoreApplication application(argc, argv);
+    EXPECT_NE(RxApp::instance(), nullptr);
+}

@@ -1,0 +1,759 @@
+#include "service/services/ScriptService.h"
+
+#include "service/api/Error.h"
+#include "service/api/HelpException.h"
+#include "service/launcher/CLILauncher.h"
+#include "tests/service/services/RecordingService.h"
+#include "tests/support/EventLoop.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QTemporaryDir>
+#include <condition_variable>
+#include <glog/logging.h>
+#include <gtest/gtest.h>
+#include <numeric>
+
+using namespace EditorService;
+using EditorService::Testing::EventLog;
+using EditorService::Testing::Gates;
+using EditorService::Testing::spinFor;
+using EditorService::Testing::spinUntil;
+using json = nlohmann::json;
+
+namespace {
+
+using Events = std::vector<std::string>;
+
+// What the caller of a script saw. Values may come from several threads at once.
+struct Outcome {
+    mutable std::mutex mutex;
+    std::vector<json> values;
+    std::vector<std::thread::id> valueThreads;
+    std::exception_ptr error;
+    bool completed = false;
+    int ends = 0;
+    rxcpp::composite_subscription lifetime;
+
+    bool ended() const {
+        std::lock_guard<std::mutex> lock(mutex);
+        return ends > 0;
+    }
+    std::vector<json> received() const {
+        std::lock_guard<std::mutex> lock(mutex);
+        return values;
+    }
+    std::exception_ptr failure() const {
+        std::lock_guard<std::mutex> lock(mutex);
+        return error;
+    }
+    int endCount() const {
+        std::lock_guard<std::mutex> lock(mutex);
+        return ends;
+    }
+    bool hasCompleted() const {
+        std::lock_guard<std::mutex> lock(mutex);
+        return completed;
+    }
+};
+
+void subscribeInto(const std::shared_ptr<Outcome>& outcome,
+                   const rxcpp::observable<json>& results) {
+    results.subscribe(
+        outcome->lifetime,
+        [outcome](const json& value) {
+            std::lock_guard<std::mutex> lock(outcome->mutex);
+            outcome->values.push_back(value);
+            outcome->valueThreads.push_back(std::this_thread::get_id());
+        },
+        [outcome](std::exception_ptr error) {
+            std::lock_guard<std::mutex> lock(outcome->mutex);
+            outcome->error = error;
+            ++outcome->ends;
+        },
+        [outcome] {
+            std::lock_guard<std::mutex> lock(outcome->mutex);
+            outcome->completed = true;
+            ++outcome->ends;
+        });
+}
+
+// The what() of the outcome's error if it is an Exception, else a text that says it isn't.
+template <class Exception> std::string errorText(const Outcome& outcome) {
+    const std::exception_ptr error = outcome.failure();
+    if (!error)
+        return "<no error>";
+    try {
+        std::rethrow_exception(error);
+    } catch (const Exception& exception) {
+        return exception.what();
+    } catch (...) {
+        return "<another exception>";
+    }
+}
+
+// The address of the object an exception pointer refers to, to tell the thrown object itself
+// from a copy or a wrapper.
+const void* thrownObject(const std::exception_ptr& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const std::exception& exception) {
+        return &exception;
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+// Holds the thread that logs a message containing `text` until the test opens the gate, so
+// that a script's reading can be paused at a chosen line.
+class LogGate : public google::LogSink {
+public:
+    explicit LogGate(std::string text)
+        : m_text(std::move(text)) {
+        google::AddLogSink(this);
+    }
+    ~LogGate() override {
+        open();
+        google::RemoveLogSink(this);
+    }
+
+    void send(google::LogSeverity, const char*, const char*, int, const google::LogMessageTime&,
+              const char* message, size_t length) override {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_messages.emplace_back(message, length);
+        if (m_messages.back().find(m_text) == std::string::npos)
+            return;
+        m_reached = true;
+        m_condition.notify_all();
+        m_condition.wait(lock, [this] { return m_open; });
+    }
+
+    bool isReached() const {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_reached;
+    }
+    void open() {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_open = true;
+        m_condition.notify_all();
+    }
+    std::vector<std::string> messages() const {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_messages;
+    }
+
+private:
+    std::string m_text;
+    mutable std::mutex m_mutex;
+    std::condition_variable m_condition;
+    std::vector<std::string> m_messages;
+    bool m_reached = false;
+    bool m_open = false;
+};
+
+class ScriptServiceTest : public testing::Test {
+protected:
+    ScriptServiceTest() {
+        Testing::registerRecordingServices(*m_loader, m_log, m_gates, m_failure);
+        m_loader->registerService(ScriptService::serviceId(), QStringLiteral("Runs a script"),
+                                  [](std::weak_ptr<const ServiceLoader> loader) {
+                                      return std::make_shared<ScriptService>(loader);
+                                  });
+    }
+
+    ~ScriptServiceTest() override {
+        for (const auto& outcome : m_outcomes)
+            outcome->lifetime.unsubscribe();
+        m_gates->joinAll();
+        m_gates->dropHeld();
+        spinFor(std::chrono::milliseconds(20));
+    }
+
+    QString writeScript(const QStringList& lines) {
+        const QString path = m_directory.filePath(QStringLiteral("script%1.txt").arg(++m_files));
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(lines.join(QLatin1Char('\n')).toUtf8());
+        file.write("\n");
+        return path;
+    }
+
+    // Runs the script service as the host does: made by the loader, from a command line, and
+    // let go at once.
+    rxcpp::observable<json> runScript(const QString& path, const QString& jobs) {
+        return m_loader->createService(ScriptService::serviceId())
+            ->run(QStringList{QCoreApplication::applicationFilePath(), path,
+                              QStringLiteral("--jobs=") + jobs});
+    }
+
+    std::shared_ptr<Outcome> subscribe(const rxcpp::observable<json>& results) {
+        auto outcome = std::make_shared<Outcome>();
+        m_outcomes.push_back(outcome);
+        subscribeInto(outcome, results);
+        return outcome;
+    }
+
+    std::shared_ptr<Outcome> start(const QStringList& lines, const QString& jobs) {
+        return subscribe(runScript(writeScript(lines), jobs));
+    }
+
+    // Runs a script to its end.
+    std::shared_ptr<Outcome> complete(const QStringList& lines, const QString& jobs) {
+        auto outcome = start(lines, jobs);
+        EXPECT_TRUE(spinUntil([outcome] { return outcome->ended(); }));
+        return outcome;
+    }
+
+    bool waitFor(const std::string& event) {
+        const auto log = m_log;
+        return spinUntil([log, event] { return log->contains(event); });
+    }
+
+    bool waitForEnd(const std::shared_ptr<Outcome>& outcome) {
+        return spinUntil([outcome] { return outcome->ended(); });
+    }
+
+    // Gives anything that would wrongly happen now the chance to happen; nothing is asserted on
+    // how long it takes.
+    static void settle() { spinFor(std::chrono::milliseconds(100)); }
+
+    static json held(const std::string& name) { return json{{"hold", name}}; }
+
+    std::exception_ptr makeFailure(const std::string& text) {
+        *m_failure = std::make_exception_ptr(std::runtime_error(text));
+        return *m_failure;
+    }
+
+    CLILauncher m_launcher;
+    QTemporaryDir m_directory;
+    int m_files = 0;
+    std::shared_ptr<EventLog> m_log = std::make_shared<EventLog>();
+    std::shared_ptr<Gates> m_gates = std::make_shared<Gates>(m_log);
+    std::shared_ptr<std::exception_ptr> m_failure = std::make_shared<std::exception_ptr>();
+    std::shared_ptr<ServiceLoader> m_loader = std::make_shared<ServiceLoader>();
+    std::vector<std::shared_ptr<Outcome>> m_outcomes;
+};
+
+TEST_F(ScriptServiceTest, ServiceIdIsScript) {
+    EXPECT_EQ(ScriptService::serviceId(), QStringLiteral("script"));
+}
+
+TEST_F(ScriptServiceTest, RequestSerializerReadsScriptRequests) {
+    const ScriptService service(m_loader);
+    const auto serializer = service.requestSerializer();
+    EXPECT_NE(dynamic_cast<ScriptRequest::Serializer*>(serializer.get()), nullptr);
+}
+
+TEST_F(ScriptServiceTest, SecondCommandStartsAfterFirstCompletes) {
+    const auto outcome = start({"hold;a", "hold;b", "hold;c"}, "1");
+    ASSERT_TRUE(waitFor("start a"));
+    settle();
+    EXPECT_EQ(m_log->events(), (Events{"start a"}));
+    m_gates->release("a");
+    ASSERT_TRUE(waitFor("start b"));
+    settle();
+    EXPECT_EQ(m_log->events(), (Events{"start a", "end a", "start b"}));
+    m_gates->release("b");
+    ASSERT_TRUE(waitFor("start c"));
+    EXPECT_FALSE(outcome->ended());
+    m_gates->release("c");
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_EQ(m_log->events(),
+              (Events{"start a", "end a", "start b", "end b", "start c", "end c"}));
+    EXPECT_EQ(outcome->received(), (std::vector<json>{held("a"), held("b"), held("c")}));
+    EXPECT_TRUE(outcome->hasCompleted());
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+struct FirstToEnd {
+    const char* name;
+    std::string ends;
+    std::string runsOn;
+};
+
+// Rows print as their names, which keeps the test names readable.
+void PrintTo(const FirstToEnd& row, std::ostream* out) {
+    *out << row.name;
+}
+
+class ScriptServiceTwoJobsTest : public ScriptServiceTest,
+                                 public testing::WithParamInterface<FirstToEnd> {};
+
+TEST_P(ScriptServiceTwoJobsTest, ThirdCommandStartsWhenEitherOfTheFirstTwoHasEnded) {
+    const FirstToEnd& row = GetParam();
+    const auto outcome = start({"hold;a", "hold;b", "hold;c"}, "2");
+    ASSERT_TRUE(waitFor("start a"));
+    ASSERT_TRUE(waitFor("start b"));
+    settle();
+    EXPECT_EQ(m_log->events(), (Events{"start a", "start b"}));
+    m_gates->release(row.ends);
+    ASSERT_TRUE(waitFor("start c"));
+    settle();
+    EXPECT_EQ(m_log->events(), (Events{"start a", "start b", "end " + row.ends, "start c"}));
+    EXPECT_FALSE(m_log->contains("end " + row.runsOn));
+    EXPECT_FALSE(outcome->ended());
+    m_gates->release(row.runsOn);
+    m_gates->release("c");
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_TRUE(outcome->hasCompleted());
+    EXPECT_EQ(outcome->received().size(), 3u);
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(WhichEndsFirst, ScriptServiceTwoJobsTest,
+                         testing::Values(FirstToEnd{"FirstEndsFirst", "a", "b"},
+                                         FirstToEnd{"SecondEndsFirst", "b", "a"}),
+                         [](const testing::TestParamInfo<FirstToEnd>& info) {
+                             return std::string(info.param.name);
+                         });
+
+struct NoLimit {
+    const char* name;
+    const char* jobs;
+};
+
+void PrintTo(const NoLimit& row, std::ostream* out) {
+    *out << row.name;
+}
+
+class ScriptServiceNoLimitTest : public ScriptServiceTest,
+                                 public testing::WithParamInterface<NoLimit> {};
+
+TEST_P(ScriptServiceNoLimitTest, EachCommandStartsOnTheMainThreadAsItsLineArrives) {
+    const auto outcome = start({"hold;a", "hold;b", "hold;c"}, GetParam().jobs);
+    ASSERT_TRUE(waitFor("start c"));
+    EXPECT_EQ(m_log->events(), (Events{"start a", "start b", "start c"}));
+    const auto mainThread = std::this_thread::get_id();
+    EXPECT_EQ(m_log->threadOf("start a"), mainThread);
+    EXPECT_EQ(m_log->threadOf("start b"), mainThread);
+    EXPECT_EQ(m_log->threadOf("start c"), mainThread);
+    m_gates->release("c");
+    m_gates->release("b");
+    ASSERT_TRUE(waitFor("end c"));
+    ASSERT_TRUE(waitFor("end b"));
+    settle();
+    EXPECT_FALSE(outcome->ended());
+    m_gates->release("a");
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_TRUE(outcome->hasCompleted());
+    EXPECT_EQ(outcome->received().size(), 3u);
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(BelowOne, ScriptServiceNoLimitTest,
+                         testing::Values(NoLimit{"Zero", "0"}, NoLimit{"MinusOne", "-1"},
+                                         NoLimit{"NotANumber", "abc"}),
+                         [](const testing::TestParamInfo<NoLimit>& info) {
+                             return std::string(info.param.name);
+                         });
+
+TEST_F(ScriptServiceTest, CommandWithoutValuesDoesNotStallTheQueue) {
+    const auto outcome = start({"echo;a", "hold;b", "echo;c;3"}, "1");
+    ASSERT_TRUE(waitFor("start b"));
+    m_gates->release("b", {});
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_TRUE(outcome->hasCompleted());
+    EXPECT_EQ(m_log->events(),
+              (Events{"start a", "end a", "start b", "end b", "start c", "end c"}));
+    EXPECT_EQ(outcome->received(), (std::vector<json>{3}));
+}
+
+TEST_F(ScriptServiceTest, FailingSecondCommandEndsTheStreamWithItsExceptionAndNothingOfTheThird) {
+    const auto failure = std::make_exception_ptr(std::runtime_error("b failed"));
+    const auto outcome = start({"hold;a", "hold;b", "echo;c;3"}, "1");
+    ASSERT_TRUE(waitFor("start a"));
+    m_gates->release("a");
+    ASSERT_TRUE(waitFor("start b"));
+    m_gates->fail("b", failure);
+    ASSERT_TRUE(waitForEnd(outcome));
+    settle();
+    EXPECT_TRUE(outcome->failure() == failure);
+    EXPECT_EQ(thrownObject(outcome->failure()), thrownObject(failure));
+    EXPECT_EQ(errorText<std::runtime_error>(*outcome), "b failed");
+    EXPECT_EQ(outcome->received(), (std::vector<json>{held("a")}));
+    EXPECT_FALSE(outcome->hasCompleted());
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+TEST_F(ScriptServiceTest, FailingCommandWithoutLimitEndsTheStreamAndDropsTheOthers) {
+    const auto failure = std::make_exception_ptr(std::runtime_error("b failed"));
+    const auto outcome = start({"hold;a", "hold;b", "hold;c"}, "0");
+    ASSERT_TRUE(waitFor("start c"));
+    m_gates->fail("b", failure);
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_TRUE(outcome->failure() == failure);
+    // The other commands are let go behind the error, on the thread that failed.
+    EXPECT_TRUE(waitFor("cancel a"));
+    EXPECT_TRUE(waitFor("cancel c"));
+    EXPECT_TRUE(outcome->received().empty());
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+struct ThrowRow {
+    const char* name;
+    const char* service;
+    const char* jobs;
+};
+
+void PrintTo(const ThrowRow& row, std::ostream* out) {
+    *out << row.name;
+}
+
+class ScriptServiceThrowTest : public ScriptServiceTest,
+                               public testing::WithParamInterface<ThrowRow> {};
+
+TEST_P(ScriptServiceThrowTest, ThrownExceptionEndsTheStreamAsItIs) {
+    const auto failure = makeFailure("can't run");
+    const auto outcome = complete({"echo;a;1", QString::fromLatin1(GetParam().service), "echo;c;3"},
+                                  GetParam().jobs);
+    EXPECT_TRUE(outcome->failure() == failure);
+    EXPECT_EQ(thrownObject(outcome->failure()), thrownObject(failure));
+    EXPECT_EQ(outcome->received(), (std::vector<json>{1}));
+    EXPECT_EQ(outcome->endCount(), 1);
+    settle();
+    EXPECT_EQ(outcome->received(), (std::vector<json>{1}));
+}
+
+INSTANTIATE_TEST_SUITE_P(CreateOrRun, ScriptServiceThrowTest,
+                         testing::Values(ThrowRow{"RunThrowsLimited", "throw", "1"},
+                                         ThrowRow{"RunThrowsUnlimited", "throw", "0"},
+                                         ThrowRow{"FactoryThrowsLimited", "broken", "1"},
+                                         ThrowRow{"FactoryThrowsUnlimited", "broken", "0"}),
+                         [](const testing::TestParamInfo<ThrowRow>& info) {
+                             return std::string(info.param.name);
+                         });
+
+TEST_F(ScriptServiceTest, UnknownServiceOnLastLineFailsAfterTheEarlierCommandsDelivered) {
+    const auto outcome = start({"echo;a;1", "hold;b", "nosuch;x"}, "1");
+    ASSERT_TRUE(waitFor("start b"));
+    settle();
+    EXPECT_FALSE(outcome->ended());
+    m_gates->release("b");
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_EQ(errorText<Error>(*outcome),
+              "Unknown service \"nosuch\", known services: broken, echo, hold, script, throw");
+    EXPECT_EQ(outcome->received(), (std::vector<json>{1, held("b")}));
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+TEST_F(ScriptServiceTest, UnknownServiceWithoutLimitFailsAsSoonAsItsLineArrives) {
+    const auto outcome = start({"hold;a", "nosuch"}, "0");
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_EQ(errorText<Error>(*outcome),
+              "Unknown service \"nosuch\", known services: broken, echo, hold, script, throw");
+    EXPECT_TRUE(m_log->contains("start a"));
+    EXPECT_TRUE(waitFor("cancel a"));
+    EXPECT_FALSE(m_log->contains("end a"));
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+TEST_F(ScriptServiceTest, RejectedLineFarDownFailsAtOnceWhileTheFirstCommandRuns) {
+    QStringList lines{"hold;a"};
+    for (int line = 0; line < 50; ++line)
+        lines.append(QStringLiteral("echo;b%1;%1").arg(line));
+    lines.append(QStringLiteral("--x"));
+    const auto results = runScript(writeScript(lines), QStringLiteral("1"));
+    auto outcome = std::make_shared<Outcome>();
+    m_outcomes.push_back(outcome);
+    {
+        // The reading pauses at the bad line until the first command runs.
+        LogGate gate("Processing command: --x");
+        std::thread reader([outcome, results] { subscribeInto(outcome, results); });
+        const bool started = waitFor("start a");
+        gate.open();
+        reader.join();
+        ASSERT_TRUE(started);
+    }
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_EQ(errorText<Error>(*outcome), "No service specified");
+    EXPECT_FALSE(m_log->contains("end a"));
+    EXPECT_FALSE(m_log->contains("cancel a"));
+    EXPECT_FALSE(m_log->contains("start b0"));
+    EXPECT_TRUE(outcome->received().empty());
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+TEST_F(ScriptServiceTest, MissingScriptFailsAtSubscriptionAndRunReturnsNormally) {
+    const QString path = m_directory.filePath(QStringLiteral("missing.txt"));
+    ScriptService service(m_loader);
+    rxcpp::observable<json> results;
+    ASSERT_NO_THROW(
+        results = service.run(rxcpp::observable<>::just(ScriptRequest(path, 1)).as_dynamic()));
+    const auto outcome = subscribe(results);
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_EQ(errorText<std::runtime_error>(*outcome),
+              "Can not open input device: " + path.toStdString());
+    EXPECT_TRUE(outcome->received().empty());
+    EXPECT_TRUE(m_log->events().empty());
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+TEST_F(ScriptServiceTest, MissingScriptFromACommandLineFailsTheStream) {
+    const QString path = m_directory.filePath(QStringLiteral("missing.txt"));
+    rxcpp::observable<json> results;
+    ASSERT_NO_THROW(results = runScript(path, QStringLiteral("1")));
+    const auto outcome = subscribe(results);
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_EQ(errorText<std::runtime_error>(*outcome),
+              "Can not open input device: " + path.toStdString());
+}
+
+TEST_F(ScriptServiceTest, NoScriptPathFailsTheStreamWithThePathError) {
+    const auto service = m_loader->createService(ScriptService::serviceId());
+    const auto outcome = subscribe(service->run(QStringList{"app"}));
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_EQ(errorText<std::invalid_argument>(*outcome),
+              "No script path specified, try --help for all avalable options");
+}
+
+TEST_F(ScriptServiceTest, HelpFailsTheStreamWithTheHelpText) {
+    const auto service = m_loader->createService(ScriptService::serviceId());
+    const auto outcome = subscribe(service->run(QStringList{"app", "--help"}));
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_NE(errorText<CLI::HelpException>(*outcome).find("Execute commands from script"),
+              std::string::npos);
+}
+
+struct EmptyScriptRow {
+    const char* name;
+    QStringList lines;
+    const char* jobs;
+};
+
+void PrintTo(const EmptyScriptRow& row, std::ostream* out) {
+    *out << row.name;
+}
+
+class ScriptServiceEmptyScriptTest : public ScriptServiceTest,
+                                     public testing::WithParamInterface<EmptyScriptRow> {};
+
+TEST_P(ScriptServiceEmptyScriptTest, CompletesWithNoValue) {
+    const auto outcome = complete(GetParam().lines, GetParam().jobs);
+    EXPECT_TRUE(outcome->hasCompleted());
+    EXPECT_TRUE(outcome->received().empty());
+    EXPECT_TRUE(m_log->events().empty());
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    NoCommands, ScriptServiceEmptyScriptTest,
+    testing::Values(EmptyScriptRow{"CommentsOnlyLimited", {"# one", "", "   # two"}, "1"},
+                    EmptyScriptRow{"CommentsOnlyUnlimited", {"# one", "", "   # two"}, "0"},
+                    EmptyScriptRow{"Empty", {}, "1"},
+                    EmptyScriptRow{"OnlySeparators", {";;;"}, "2"}),
+    [](const testing::TestParamInfo<EmptyScriptRow>& info) {
+        return std::string(info.param.name);
+    });
+
+TEST_F(ScriptServiceTest, ResultStreamOutlivesTheServiceObject) {
+    auto service = std::make_shared<ScriptService>(m_loader);
+    const std::weak_ptr<ScriptService> watch = service;
+    const auto results = service->run(
+        rxcpp::observable<>::just(ScriptRequest(writeScript({"echo;a;1"}), 1)).as_dynamic());
+    service.reset();
+    ASSERT_TRUE(watch.expired());
+    const auto outcome = subscribe(results);
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_TRUE(outcome->hasCompleted());
+    EXPECT_EQ(outcome->received(), (std::vector<json>{1}));
+}
+
+TEST_F(ScriptServiceTest, OneServiceServesTwoRunsAtOnce) {
+    ScriptService service(m_loader);
+    const auto first = subscribe(service.run(
+        rxcpp::observable<>::just(ScriptRequest(writeScript({"hold;a"}), 1)).as_dynamic()));
+    const auto second = subscribe(service.run(
+        rxcpp::observable<>::just(ScriptRequest(writeScript({"echo;b;2"}), 1)).as_dynamic()));
+    ASSERT_TRUE(waitForEnd(second));
+    EXPECT_EQ(second->received(), (std::vector<json>{2}));
+    ASSERT_TRUE(waitFor("start a"));
+    m_gates->release("a");
+    ASSERT_TRUE(waitForEnd(first));
+    EXPECT_EQ(first->received(), (std::vector<json>{held("a")}));
+}
+
+TEST_F(ScriptServiceTest, TwoRequestsInOneStreamRunEachWithItsOwnLimit) {
+    const QString first = writeScript({"hold;a1", "hold;a2"});
+    const QString second = writeScript({"hold;b1", "hold;b2"});
+    const auto requests = rxcpp::observable<>::create<ScriptRequest>(
+        [first, second](rxcpp::subscriber<ScriptRequest> subscriber) {
+            subscriber.on_next(ScriptRequest(first, 1));
+            subscriber.on_next(ScriptRequest(second, 1));
+            subscriber.on_completed();
+        });
+    ScriptService service(m_loader);
+    const auto outcome = subscribe(service.run(requests.as_dynamic()));
+    ASSERT_TRUE(waitFor("start a1"));
+    ASSERT_TRUE(waitFor("start b1"));
+    settle();
+    EXPECT_FALSE(m_log->contains("start a2"));
+    EXPECT_FALSE(m_log->contains("start b2"));
+    m_gates->release("a1");
+    ASSERT_TRUE(waitFor("start a2"));
+    m_gates->release("b1");
+    ASSERT_TRUE(waitFor("start b2"));
+    m_gates->release("a2");
+    ASSERT_TRUE(waitFor("end a2"));
+    settle();
+    EXPECT_FALSE(outcome->ended());
+    m_gates->release("b2");
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_TRUE(outcome->hasCompleted());
+    EXPECT_EQ(outcome->received().size(), 4u);
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+TEST_F(ScriptServiceTest, ScriptLineRunsANestedScriptWithALimiterOfItsOwn) {
+    const QString inner = writeScript({"hold;a", "hold;b"});
+    const auto outcome = start({"script;" + inner + ";--jobs=2", "echo;c;3"}, "1");
+    ASSERT_TRUE(waitFor("start a"));
+    ASSERT_TRUE(waitFor("start b"));
+    settle();
+    EXPECT_FALSE(m_log->contains("start c"));
+    m_gates->release("b");
+    m_gates->release("a");
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_TRUE(outcome->hasCompleted());
+    const Events events = m_log->events();
+    ASSERT_EQ(events.size(), 6u);
+    EXPECT_EQ(Events(events.end() - 2, events.end()), (Events{"start c", "end c"}));
+    const auto values = outcome->received();
+    ASSERT_EQ(values.size(), 3u);
+    EXPECT_EQ(values.back(), json(3));
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+TEST_F(ScriptServiceTest, StartedCommandRunsOnAfterAFailureWithItsValuesGoingNowhere) {
+    const auto failure = std::make_exception_ptr(std::runtime_error("b failed"));
+    const auto outcome = start({"hold;a", "hold;b"}, "2");
+    ASSERT_TRUE(waitFor("start a"));
+    ASSERT_TRUE(waitFor("start b"));
+    m_gates->fail("b", failure);
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_TRUE(outcome->failure() == failure);
+    m_gates->release("a", {json("late")});
+    ASSERT_TRUE(waitFor("end a"));
+    m_gates->joinAll();
+    settle();
+    EXPECT_FALSE(m_log->contains("cancel a"));
+    EXPECT_TRUE(outcome->received().empty());
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+TEST_F(ScriptServiceTest, UnsubscribingEndsTheScriptWithoutAnErrorAndLetsStartedCommandsRunOn) {
+    const auto outcome = start({"hold;a", "hold;b"}, "1");
+    ASSERT_TRUE(waitFor("start a"));
+    outcome->lifetime.unsubscribe();
+    m_gates->release("a");
+    ASSERT_TRUE(waitFor("end a"));
+    m_gates->joinAll();
+    settle();
+    EXPECT_FALSE(m_log->contains("cancel a"));
+    EXPECT_TRUE(outcome->received().empty());
+    EXPECT_EQ(outcome->endCount(), 0);
+}
+
+TEST_F(ScriptServiceTest, UnsubscribingBeforeTheCommandsArriveStartsNone) {
+    // Subscribing on the main thread reads the whole file at once; the commands then wait for
+    // the main thread.
+    const auto outcome = start({"echo;a;1", "echo;b;2", "hold;c"}, "0");
+    outcome->lifetime.unsubscribe();
+    settle();
+    EXPECT_TRUE(m_log->events().empty());
+    EXPECT_TRUE(outcome->received().empty());
+    EXPECT_EQ(outcome->endCount(), 0);
+}
+
+TEST_F(ScriptServiceTest, UnsubscribingStopsTheReadingAtTheNextLine) {
+    const auto results =
+        runScript(writeScript({"hold;a", "echo;b", "echo;c", "echo;d", "echo;e"}), "1");
+    auto outcome = std::make_shared<Outcome>();
+    m_outcomes.push_back(outcome);
+    std::vector<std::string> logged;
+    {
+        LogGate gate("Processing command: echo;c");
+        std::thread reader([outcome, results] { subscribeInto(outcome, results); });
+        const bool started = waitFor("start a") && spinUntil([&gate] { return gate.isReached(); });
+        outcome->lifetime.unsubscribe();
+        gate.open();
+        reader.join();
+        logged = gate.messages();
+        ASSERT_TRUE(started);
+    }
+    EXPECT_EQ(logged,
+              (std::vector<std::string>{"Processing command: hold;a", "Processing command: echo;b",
+                                        "Processing command: echo;c"}));
+    m_gates->release("a");
+    ASSERT_TRUE(waitFor("end a"));
+    m_gates->joinAll();
+    settle();
+    EXPECT_FALSE(m_log->contains("start d"));
+    EXPECT_TRUE(outcome->received().empty());
+    EXPECT_EQ(outcome->endCount(), 0);
+}
+
+TEST_F(ScriptServiceTest, LoaderGoneWhileAScriptRunsFailsTheStreamWithError) {
+    ScriptService service(m_loader);
+    const auto outcome = subscribe(
+        service.run(rxcpp::observable<>::just(ScriptRequest(writeScript({"hold;a", "echo;b;2"}), 1))
+                        .as_dynamic()));
+    ASSERT_TRUE(waitFor("start a"));
+    const std::weak_ptr<ServiceLoader> watch = m_loader;
+    m_loader.reset();
+    ASSERT_TRUE(watch.expired());
+    m_gates->release("a");
+    ASSERT_TRUE(waitForEnd(outcome));
+    EXPECT_EQ(errorText<Error>(*outcome), "The service loader is gone");
+    EXPECT_EQ(outcome->received(), (std::vector<json>{held("a")}));
+    EXPECT_FALSE(m_log->contains("start b"));
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+TEST_F(ScriptServiceTest, ValuesPassUnchangedAndUnmarked) {
+    const auto outcome = complete({R"(echo;a;{"k":[1,"x",null,{"deep":true}]};"text";7;[])",
+                                   R"(echo;b;{"k":[1,"x",null,{"deep":true}]})"},
+                                  "1");
+    EXPECT_TRUE(outcome->hasCompleted());
+    const json object = json::parse(R"({"k":[1,"x",null,{"deep":true}]})");
+    EXPECT_EQ(outcome->received(), (std::vector<json>{object, "text", 7, json::array(), object}));
+}
+
+TEST_F(ScriptServiceTest, ValuesArriveOnTheThreadOnWhichTheCommandSendsThem) {
+    const auto outcome = start({"hold;a"}, "1");
+    ASSERT_TRUE(waitFor("start a"));
+    m_gates->release("a");
+    ASSERT_TRUE(waitForEnd(outcome));
+    std::lock_guard<std::mutex> lock(outcome->mutex);
+    ASSERT_EQ(outcome->valueThreads.size(), 1u);
+    EXPECT_EQ(outcome->valueThreads.front(), m_log->threadOf("end a"));
+    EXPECT_NE(outcome->valueThreads.front(), std::this_thread::get_id());
+}
+
+class ScriptServiceLoadTest : public ScriptServiceTest,
+                              public testing::WithParamInterface<const char*> {};
+
+TEST_P(ScriptServiceLoadTest, HundredThousandCommandsDeliverEveryValueExactlyOnce) {
+    constexpr int commands = 100000;
+    QStringList lines;
+    lines.reserve(commands);
+    for (int command = 0; command < commands; ++command)
+        lines.append(QStringLiteral("echo;%1;%1").arg(command));
+    const auto outcome = start(lines, QString::fromLatin1(GetParam()));
+    ASSERT_TRUE(spinUntil([outcome] { return outcome->ended(); }, std::chrono::minutes(4)));
+    ASSERT_TRUE(outcome->hasCompleted()) << errorText<std::exception>(*outcome);
+    std::vector<int> values;
+    for (const auto& value : outcome->received())
+        values.push_back(value.get<int>());
+    std::sort(values.begin(), values.end());
+    std::vector<int> expected(commands);
+    std::iota(expected.begin(), expected.end(), 0);
+    EXPECT_EQ(values, expected);
+    EXPECT_EQ(outcome->endCount(), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Jobs, ScriptServiceLoadTest, testing::Values("1", "8", "0"),
+                         [](const testing::TestParamInfo<const char*>& info) {
+                             return std::string("Jobs") + info.param;
+                         });
+
+} // namespace

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <glog/logging.h>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace EditorService::Testing {
+
+// Collects the messages glog writes while it lives.
+class LogCapture : public google::LogSink {
+public:
+    LogCapture() { google::AddLogSink(this); }
+    ~LogCapture() override { google::RemoveLogSink(this); }
+
+    void send(google::LogSeverity, const char*, const char*, int, const google::LogMessageTime&,
+              const char* message, size_t length) override
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_messages.emplace_back(message, length);
+    }
+
+    std::vector<std::string> messages() const
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_messages;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    std::vector<std::string> m_messages;
+};
+
+} // namespace EditorService::Testing
