@@ -12,8 +12,7 @@ extern "C" __attribute__((weak)) int LLVMFuzzerInitialize(int* argc, char*** arg
 // Runs a fuzz target's entry point on every file of the folders or files it is given, so that
 // the corpus and every input that once crashed are replayed by the ordinary test suite. A
 // replay that finds no input at all fails: its paths are wrong.
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     if (LLVMFuzzerInitialize)
         LLVMFuzzerInitialize(&argc, &argv);
     std::vector<std::filesystem::path> inputs;
@@ -34,7 +33,8 @@ int main(int argc, char** argv)
     }
     for (const auto& input : inputs) {
         std::ifstream file(input, std::ios::binary);
-        const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+        const std::string bytes((std::istreambuf_iterator<char>(file)),
+                                std::istreambuf_iterator<char>());
         LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
     }
     std::printf("replayed %zu inputs\n", inputs.size());

@@ -3,6 +3,9 @@
 #include "host/services/EchoService.h"
 #include "host/services/FailService.h"
 #include "host/services/NoopService.h"
+#include "host/services/PresetService.h"
+#include "host/services/PresetsService.h"
+#include "host/services/RuntimeService.h"
 #include "host/services/TickService.h"
 #include "service/api/ServiceLoader.h"
 #include "service/services/ScriptService.h"
@@ -32,6 +35,11 @@ void registerHostServices(ServiceLoader& loader, const TimeLimitedService::Expir
     add<EchoService>(loader, expiry, QStringLiteral("Emit the arguments it was given as one value"));
     add<FailService>(loader, expiry, QStringLiteral("Fail with --message after --after milliseconds"));
     add<NoopService>(loader, expiry, QStringLiteral("Emit one value and complete, for measuring"));
+    add<PresetService>(loader, expiry,
+                       QStringLiteral("Build an export preset from --preset and its overrides"));
+    add<PresetsService>(loader, expiry, QStringLiteral("Emit each available export preset"));
+    add<RuntimeService>(loader, expiry,
+                        QStringLiteral("Start the editor runtime's contexts named by --require"));
     add<ScriptService>(loader, expiry, QStringLiteral("Execute commands from script"));
     add<TickService>(loader, expiry,
                      QStringLiteral("Emit {\"tick\": i} every --interval milliseconds, --count times"));

@@ -11,6 +11,18 @@
 namespace CLIUtils {
 namespace {
 
+// The application path for a command, fetched anew each time. A path equal to the last one
+// this thread fetched comes back as that same string, so that queued commands share one copy
+// of it instead of holding one each.
+QString applicationPath()
+{
+    thread_local QString last;
+    QString path = CLILauncher::instance()->commandLineArguments().first();
+    if (path != last)
+        last = std::move(path);
+    return last;
+}
+
 rxcpp::observable<QStringList> commandsOf(const rxcpp::observable<QString>& lines)
 {
     return lines
@@ -63,7 +75,9 @@ rxcpp::observable<QStringList> parseCommand(const QString& line)
         .filter([](const QString& text) { return !text.startsWith(QLatin1Char('#')); })
         .filter([](const QString& text) { return text.length() != 0; })
         .map([](const QString& text) {
-            LOG(INFO) << "Processing command: " << text.toUtf8().constData();
+            // glog builds a message, time stamp and all, before it looks at the level.
+            LOG_IF(INFO, FLAGS_minloglevel <= google::GLOG_INFO)
+                << "Processing command: " << text.toUtf8().constData();
             QStringList parts =
                 text.split(QStringLiteral(";"), Qt::SkipEmptyParts, Qt::CaseSensitive);
             for (QString& part : parts)
@@ -72,7 +86,7 @@ rxcpp::observable<QStringList> parseCommand(const QString& line)
         })
         .filter([](const QStringList& parts) { return !parts.isEmpty(); })
         .map([](const QStringList& parts) {
-            QStringList command(CLILauncher::instance()->commandLineArguments().first());
+            QStringList command(applicationPath());
             command += parts;
             return command;
         })

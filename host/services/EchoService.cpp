@@ -2,14 +2,14 @@
 
 #include "platform/serialize/QStringJson.h"
 
-QString EchoService::serviceId()
-{
+QString EchoService::serviceId() {
     return QStringLiteral("echo");
 }
 
-rxcpp::observable<nlohmann::json> EchoService::run(const rxcpp::observable<EchoRequest>& requests)
-{
+rxcpp::observable<nlohmann::json> EchoService::run(const rxcpp::observable<EchoRequest>& requests) {
     return requests
-        .map([](const EchoRequest& request) { return nlohmann::json{{"echo", request.arguments}}; })
+        .map([](const EchoRequest& request) {
+            return nlohmann::json{{"echo", request.arguments}};
+        })
         .as_dynamic();
 }

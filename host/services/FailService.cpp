@@ -8,8 +8,7 @@ using EditorService::Error;
 
 namespace {
 
-rxcpp::observable<nlohmann::json> failure(const QString& message, int after)
-{
+rxcpp::observable<nlohmann::json> failure(const QString& message, int after) {
     const Error error(message.toStdString());
     if (after == 0)
         return rxcpp::observable<>::error<nlohmann::json>(error).as_dynamic();
@@ -27,38 +26,33 @@ rxcpp::observable<nlohmann::json> failure(const QString& message, int after)
 
 } // namespace
 
-QCommandLineOption FailRequest::messageOption()
-{
+QCommandLineOption FailRequest::messageOption() {
     return QCommandLineOption(QStringLiteral("message"), QStringLiteral("The error's message."),
                               QStringLiteral("text"), QStringLiteral("failed"));
 }
 
-QCommandLineOption FailRequest::afterOption()
-{
+QCommandLineOption FailRequest::afterOption() {
     return QCommandLineOption(QStringLiteral("after"),
                               QStringLiteral("Milliseconds before the failure."),
                               QStringLiteral("ms"), QStringLiteral("0"));
 }
 
-QString FailRequest::description() const
-{
+QString FailRequest::description() const {
     return QStringLiteral("Fail with --message after --after milliseconds.");
 }
 
-void FailRequest::validateOnLoad() const
-{
+void FailRequest::validateOnLoad() const {
     if (after < 0)
         throw Error(QStringLiteral("--after must not be negative, is %1").arg(after).toStdString());
 }
 
-QString FailService::serviceId()
-{
+QString FailService::serviceId() {
     return QStringLiteral("fail");
 }
 
-rxcpp::observable<nlohmann::json> FailService::run(const rxcpp::observable<FailRequest>& requests)
-{
+rxcpp::observable<nlohmann::json> FailService::run(const rxcpp::observable<FailRequest>& requests) {
     return requests
-        .flat_map([](const FailRequest& request) { return failure(request.message, request.after); })
+        .flat_map(
+            [](const FailRequest& request) { return failure(request.message, request.after); })
         .as_dynamic();
 }

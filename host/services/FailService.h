@@ -18,11 +18,9 @@ struct FailRequest : EditorService::DefaultRequestImpl<FailRequest> {
     // Throws Error for a negative delay.
     void validateOnLoad() const override;
 
-    template <class Archive>
-    void serialize(Archive& archive, const unsigned int)
-    {
-        archive & EditorService::makeOptionField(message, messageOption());
-        archive & EditorService::makeOptionField(after, afterOption());
+    template <class Archive> void serialize(Archive& archive, const unsigned int) {
+        EditorService::visitField(archive, message, messageOption());
+        EditorService::visitField(archive, after, afterOption());
         if constexpr (Archive::is_loading::value)
             validateOnLoad();
     }

@@ -10,9 +10,7 @@ struct NoopRequest : EditorService::DefaultRequestImpl<NoopRequest> {
 
     QString description() const override;
 
-    template <class Archive>
-    void serialize(Archive&, const unsigned int)
-    {
+    template <class Archive> void serialize(Archive&, const unsigned int) {
         if constexpr (Archive::is_loading::value)
             validateOnLoad();
     }

@@ -24,7 +24,7 @@ struct PresetRequest : EditorService::DefaultRequestImpl<PresetRequest> {
 
     template <class Archive> void serialize(Archive& archive, const unsigned int version) {
         presetContext.serialize(archive, version);
-        archive& EditorService::makeOptionField(projectSize, projectSizeOption());
+        EditorService::visitField(archive, projectSize, projectSizeOption());
         if constexpr (Archive::is_loading::value)
             validateOnLoad();
     }

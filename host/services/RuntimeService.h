@@ -25,9 +25,7 @@ struct RuntimeRequest : EditorService::DefaultRequestImpl<RuntimeRequest> {
     EditorService::GlobalContextProvider::GlobalContexts requiredContexts() const;
 
     template <class Archive> void serialize(Archive& archive, const unsigned int) {
-        // clang-format off
-        archive & EditorService::makeOptionField(require, requireOption());
-        // clang-format on
+        EditorService::visitField(archive, require, requireOption());
         if constexpr (Archive::is_loading::value)
             validateOnLoad();
     }

@@ -15,8 +15,7 @@ struct Ticking {
     int next = 1;
 };
 
-void scheduleNext(const std::shared_ptr<Ticking>& ticking)
-{
+void scheduleNext(const std::shared_ptr<Ticking>& ticking) {
     ticking->due += ticking->interval;
     ticking->worker.schedule(ticking->due, [ticking](const rxcpp::schedulers::schedulable&) {
         ticking->subscriber.on_next(nlohmann::json{{"tick", ticking->next}});
@@ -29,8 +28,7 @@ void scheduleNext(const std::shared_ptr<Ticking>& ticking)
     });
 }
 
-rxcpp::observable<nlohmann::json> ticks(int count, int interval)
-{
+rxcpp::observable<nlohmann::json> ticks(int count, int interval) {
     return rxcpp::observable<>::create<nlohmann::json>(
                [count, interval](rxcpp::subscriber<nlohmann::json> subscriber) {
                    if (count == 0) {
@@ -50,41 +48,36 @@ rxcpp::observable<nlohmann::json> ticks(int count, int interval)
 
 } // namespace
 
-QCommandLineOption TickRequest::countOption()
-{
+QCommandLineOption TickRequest::countOption() {
     return QCommandLineOption(QStringLiteral("count"), QStringLiteral("How many ticks to emit."),
                               QStringLiteral("N"), QStringLiteral("3"));
 }
 
-QCommandLineOption TickRequest::intervalOption()
-{
+QCommandLineOption TickRequest::intervalOption() {
     return QCommandLineOption(QStringLiteral("interval"),
                               QStringLiteral("Milliseconds before each tick."),
                               QStringLiteral("ms"), QStringLiteral("100"));
 }
 
-QString TickRequest::description() const
-{
+QString TickRequest::description() const {
     return QStringLiteral("Emit {\"tick\": i} for i from 1 to --count, one every --interval "
                           "milliseconds, on a thread of its own.");
 }
 
-void TickRequest::validateOnLoad() const
-{
+void TickRequest::validateOnLoad() const {
     if (count < 0)
-        throw EditorService::Error(QStringLiteral("--count must not be negative, is %1").arg(count).toStdString());
+        throw EditorService::Error(
+            QStringLiteral("--count must not be negative, is %1").arg(count).toStdString());
     if (interval < 0)
         throw EditorService::Error(
             QStringLiteral("--interval must not be negative, is %1").arg(interval).toStdString());
 }
 
-QString TickService::serviceId()
-{
+QString TickService::serviceId() {
     return QStringLiteral("tick");
 }
 
-rxcpp::observable<nlohmann::json> TickService::run(const rxcpp::observable<TickRequest>& requests)
-{
+rxcpp::observable<nlohmann::json> TickService::run(const rxcpp::observable<TickRequest>& requests) {
     return requests
         .flat_map([](const TickRequest& request) { return ticks(request.count, request.interval); })
         .as_dynamic();

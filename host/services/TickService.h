@@ -18,11 +18,9 @@ struct TickRequest : EditorService::DefaultRequestImpl<TickRequest> {
     // Throws Error for a negative count or interval.
     void validateOnLoad() const override;
 
-    template <class Archive>
-    void serialize(Archive& archive, const unsigned int)
-    {
-        archive & EditorService::makeOptionField(count, countOption());
-        archive & EditorService::makeOptionField(interval, intervalOption());
+    template <class Archive> void serialize(Archive& archive, const unsigned int) {
+        EditorService::visitField(archive, count, countOption());
+        EditorService::visitField(archive, interval, intervalOption());
         if constexpr (Archive::is_loading::value)
             validateOnLoad();
     }

@@ -20,8 +20,7 @@ constexpr char defaultApplicationName[] = "ReelSmith Editor";
 constexpr char defaultApplicationSettingsId[] = "ReelSmith";
 constexpr char defaultProductSettingsId[] = "";
 
-Velmor::ioPath locate(const Velmor::ioPath& path)
-{
+Velmor::ioPath locate(const Velmor::ioPath& path) {
     if (path.IsAbsolute())
         return QFileInfo(path).isFile() ? path : Velmor::ioPath();
     const QStringList directories{QCoreApplication::applicationDirPath(), QDir::currentPath()};
@@ -33,8 +32,7 @@ Velmor::ioPath locate(const Velmor::ioPath& path)
     return Velmor::ioPath();
 }
 
-QString readText(const QSettings& settings, const char* key, const char* fallback)
-{
+QString readText(const QSettings& settings, const char* key, const char* fallback) {
     const QVariant value = settings.value(QLatin1String(key), QString::fromUtf8(fallback));
     // An unquoted comma makes the INI reader split the value into a list.
     if (value.type() == QVariant::StringList)
@@ -58,8 +56,7 @@ public:
     void read(const Velmor::ioPath& file);
 };
 
-void CustomizationManager::Private::setDefaults()
-{
+void CustomizationManager::Private::setDefaults() {
     productVersion = Velmor::Core::Version::FromString(QString::fromUtf8(defaultProductVersion));
     organizationName = defaultOrganizationName;
     productName = defaultProductName;
@@ -68,8 +65,7 @@ void CustomizationManager::Private::setDefaults()
     productSettingsId = defaultProductSettingsId;
 }
 
-void CustomizationManager::Private::read(const Velmor::ioPath& file)
-{
+void CustomizationManager::Private::read(const Velmor::ioPath& file) {
     if (!QFileInfo(file).isReadable())
         throw std::runtime_error(
             QStringLiteral("Cannot read customization file %1").arg(file).toStdString());
@@ -90,20 +86,16 @@ void CustomizationManager::Private::read(const Velmor::ioPath& file)
     organizationName =
         readText(settings, "OrganizationName", defaultOrganizationName).toStdString();
     productName = readText(settings, "ProductName", defaultProductName).toStdString();
-    applicationName =
-        readText(settings, "ApplicationName", defaultApplicationName).toStdString();
+    applicationName = readText(settings, "ApplicationName", defaultApplicationName).toStdString();
     applicationSettingsId =
-        readText(settings, "ApplicationSettingsId", defaultApplicationSettingsId)
-            .toStdString();
+        readText(settings, "ApplicationSettingsId", defaultApplicationSettingsId).toStdString();
     productSettingsId =
-        readText(settings, "ProductSettingsId", defaultProductSettingsId)
-            .toStdString();
+        readText(settings, "ProductSettingsId", defaultProductSettingsId).toStdString();
     filePath = file;
 }
 
 CustomizationManager::CustomizationManager(const Velmor::ioPath& path)
-    : d(std::make_unique<Private>())
-{
+    : d(std::make_unique<Private>()) {
     CallLog::record("CustomizationManager::CustomizationManager");
     d->setDefaults();
     const Velmor::ioPath file = locate(path);
@@ -111,49 +103,41 @@ CustomizationManager::CustomizationManager(const Velmor::ioPath& path)
         d->read(file);
 }
 
-CustomizationManager::~CustomizationManager()
-{
+CustomizationManager::~CustomizationManager() {
     CallLog::record("CustomizationManager::~CustomizationManager");
 }
 
-Velmor::Core::Version CustomizationManager::GetProductVersion() const
-{
+Velmor::Core::Version CustomizationManager::GetProductVersion() const {
     CallLog::record("CustomizationManager::GetProductVersion");
     return d->productVersion;
 }
 
-std::string CustomizationManager::GetOrganizationName() const
-{
+std::string CustomizationManager::GetOrganizationName() const {
     CallLog::record("CustomizationManager::GetOrganizationName");
     return d->organizationName;
 }
 
-std::string CustomizationManager::GetProductName() const
-{
+std::string CustomizationManager::GetProductName() const {
     CallLog::record("CustomizationManager::GetProductName");
     return d->productName;
 }
 
-std::string CustomizationManager::GetApplicationName() const
-{
+std::string CustomizationManager::GetApplicationName() const {
     CallLog::record("CustomizationManager::GetApplicationName");
     return d->applicationName;
 }
 
-std::string CustomizationManager::GetApplicationSettingsId() const
-{
+std::string CustomizationManager::GetApplicationSettingsId() const {
     CallLog::record("CustomizationManager::GetApplicationSettingsId");
     return d->applicationSettingsId;
 }
 
-std::string CustomizationManager::GetProductSettingsId() const
-{
+std::string CustomizationManager::GetProductSettingsId() const {
     CallLog::record("CustomizationManager::GetProductSettingsId");
     return d->productSettingsId;
 }
 
-Velmor::ioPath CustomizationManager::GetFilePath() const
-{
+Velmor::ioPath CustomizationManager::GetFilePath() const {
     return d->filePath;
 }
 

@@ -15,23 +15,21 @@ struct State {
     std::weak_ptr<Velmor::App::ILookAndFeelManager> lookAndFeelManager;
 };
 
-State& state()
-{
+State& state() {
     static State instance;
     return instance;
 }
 
 } // namespace
 
-void Customization::init(const std::weak_ptr<Velmor::App::ILookAndFeelManager>& lookAndFeelManager)
-{
+void Customization::init(
+    const std::weak_ptr<Velmor::App::ILookAndFeelManager>& lookAndFeelManager) {
     CallLog::record("Customization::init");
     std::lock_guard<std::mutex> lock(state().mutex);
     state().lookAndFeelManager = lookAndFeelManager;
 }
 
-QString Customization::currentLocale()
-{
+QString Customization::currentLocale() {
     CallLog::record("Customization::currentLocale");
     const auto manager = lookAndFeelManager().lock();
     if (!manager)
@@ -39,8 +37,7 @@ QString Customization::currentLocale()
     return QString::fromStdString(manager->GetCurrentLocale());
 }
 
-std::weak_ptr<Velmor::App::ILookAndFeelManager> Customization::lookAndFeelManager()
-{
+std::weak_ptr<Velmor::App::ILookAndFeelManager> Customization::lookAndFeelManager() {
     std::lock_guard<std::mutex> lock(state().mutex);
     return state().lookAndFeelManager;
 }

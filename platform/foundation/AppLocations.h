@@ -16,7 +16,8 @@ public:
     ioPath GetSettingsLocation() const;
 
     // Where the engine looks for the application's own fonts: "fonts" in the per-user data
-    // directory of this application (for example ~/.local/share/<organisation>/<application>/fonts).
+    // directory of this application (for example
+    // ~/.local/share/<organisation>/<application>/fonts).
     ioPath GetFontsLocation() const;
 
     AppLocations(const AppLocations&) = delete;

@@ -11,16 +11,14 @@ struct Log {
     CallLog::Observer observer;
 };
 
-Log& log()
-{
+Log& log() {
     static Log instance;
     return instance;
 }
 
 } // namespace
 
-void CallLog::record(std::string entry)
-{
+void CallLog::record(std::string entry) {
     Observer observer;
     {
         std::lock_guard<std::mutex> lock(log().mutex);
@@ -31,20 +29,17 @@ void CallLog::record(std::string entry)
         observer(entry);
 }
 
-std::vector<std::string> CallLog::entries()
-{
+std::vector<std::string> CallLog::entries() {
     std::lock_guard<std::mutex> lock(log().mutex);
     return log().entries;
 }
 
-void CallLog::clear()
-{
+void CallLog::clear() {
     std::lock_guard<std::mutex> lock(log().mutex);
     log().entries.clear();
 }
 
-void CallLog::setObserver(Observer observer)
-{
+void CallLog::setObserver(Observer observer) {
     std::lock_guard<std::mutex> lock(log().mutex);
     log().observer = std::move(observer);
 }

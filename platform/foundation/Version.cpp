@@ -6,8 +6,7 @@
 namespace Velmor::Core {
 namespace {
 
-const QRegularExpression& versionPattern()
-{
+const QRegularExpression& versionPattern() {
     static const QRegularExpression pattern(
         QStringLiteral("^(\\d{1,9})\\.(\\d{1,9})(?:\\.(\\d{1,9}))?(?:\\.(\\d{1,9}))?$"));
     return pattern;
@@ -15,11 +14,11 @@ const QRegularExpression& versionPattern()
 
 } // namespace
 
-Version Version::FromString(const QString& text)
-{
+Version Version::FromString(const QString& text) {
     const auto match = versionPattern().match(text);
     if (!match.hasMatch())
-        throw std::invalid_argument(QStringLiteral("Invalid version: \"%1\"").arg(text).toStdString());
+        throw std::invalid_argument(
+            QStringLiteral("Invalid version: \"%1\"").arg(text).toStdString());
     Version version;
     version.Major = match.captured(1).toInt();
     version.Minor = match.captured(2).toInt();
@@ -28,8 +27,7 @@ Version Version::FromString(const QString& text)
     return version;
 }
 
-bool Version::operator==(const Version& other) const
-{
+bool Version::operator==(const Version& other) const {
     return Major == other.Major && Minor == other.Minor && Patch == other.Patch
            && Build == other.Build;
 }

@@ -8,8 +8,7 @@
 namespace Velmor::Util {
 
 QString VersionToString(const Velmor::Core::Version& version, VersionToStringDetail detail,
-                        const QString& separator)
-{
+                        const QString& separator) {
     Velmor::Testing::CallLog::record("Util::VersionToString");
     const QStringList all{QString::number(version.Major), QString::number(version.Minor),
                           QString::number(version.Patch), QString::number(version.Build)};

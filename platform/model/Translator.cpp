@@ -13,16 +13,14 @@ struct State {
     QString locale;
 };
 
-State& state()
-{
+State& state() {
     static State instance;
     return instance;
 }
 
 } // namespace
 
-void Translator::setCurrentLocale(const QString& locale)
-{
+void Translator::setCurrentLocale(const QString& locale) {
     Velmor::Testing::CallLog::record(
         QStringLiteral("Translator::setCurrentLocale(%1)").arg(locale).toStdString());
     // Qt falls back to the C locale for any name it does not know.
@@ -35,8 +33,7 @@ void Translator::setCurrentLocale(const QString& locale)
     QLocale::setDefault(qtLocale);
 }
 
-QString Translator::currentLocale()
-{
+QString Translator::currentLocale() {
     std::lock_guard<std::mutex> lock(state().mutex);
     return state().locale;
 }

@@ -8,13 +8,11 @@ namespace EditorService {
 
 AbstractService::~AbstractService() = default;
 
-std::unique_ptr<AbstractRequestSerializer> AbstractService::requestSerializer() const
-{
+std::unique_ptr<AbstractRequestSerializer> AbstractService::requestSerializer() const {
     throw Error("This service reads no requests from a command line or JSON");
 }
 
-rxcpp::observable<nlohmann::json> AbstractService::run(const QStringList& arguments)
-{
+rxcpp::observable<nlohmann::json> AbstractService::run(const QStringList& arguments) {
     std::shared_ptr<Request> request;
     try {
         request = requestSerializer()->loadFromCli(arguments);
@@ -24,8 +22,7 @@ rxcpp::observable<nlohmann::json> AbstractService::run(const QStringList& argume
     return run(request);
 }
 
-rxcpp::observable<nlohmann::json> AbstractService::run(const std::shared_ptr<Request>& request)
-{
+rxcpp::observable<nlohmann::json> AbstractService::run(const std::shared_ptr<Request>& request) {
     return run(rxcpp::observable<>::just(request).as_dynamic());
 }
 

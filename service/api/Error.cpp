@@ -3,16 +3,13 @@
 namespace EditorService {
 
 Error::Error(const std::string& message)
-    : m_message(message)
-{
-}
+    : m_message(message) {}
 
 Error::Error(const Error& other) = default;
 
 Error::~Error() = default;
 
-const char* Error::what() const noexcept
-{
+const char* Error::what() const noexcept {
     return m_message.c_str();
 }
 

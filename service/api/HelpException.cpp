@@ -3,9 +3,7 @@
 namespace EditorService::CLI {
 
 HelpException::HelpException(const QString& helpText)
-    : std::runtime_error(helpText.toStdString())
-{
-}
+    : std::runtime_error(helpText.toStdString()) {}
 
 HelpException::HelpException(const HelpException& other) = default;
 

@@ -8,13 +8,11 @@ Request::~Request() = default;
 
 void Request::validateOnLoad() const {}
 
-QString Request::description() const
-{
+QString Request::description() const {
     return {};
 }
 
-QString Request::additionalHelp() const
-{
+QString Request::additionalHelp() const {
     return {};
 }
 

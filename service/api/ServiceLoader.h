@@ -20,7 +20,8 @@ class AbstractService;
 // so any number of threads may call it at once.
 class EDITORSERVICE_EXPORT ServiceLoader : public std::enable_shared_from_this<ServiceLoader> {
 public:
-    using Factory = std::function<std::shared_ptr<AbstractService>(std::weak_ptr<const ServiceLoader>)>;
+    using Factory =
+        std::function<std::shared_ptr<AbstractService>(std::weak_ptr<const ServiceLoader>)>;
 
     ServiceLoader();
     ServiceLoader(const ServiceLoader&) = delete;

@@ -5,8 +5,7 @@
 namespace EditorService {
 namespace {
 
-bool takesValue(const QString& name, const QList<QCommandLineOption>& options)
-{
+bool takesValue(const QString& name, const QList<QCommandLineOption>& options) {
     for (const auto& option : options) {
         if (option.names().contains(name))
             return !option.valueName().isEmpty();
@@ -17,8 +16,7 @@ bool takesValue(const QString& name, const QList<QCommandLineOption>& options)
 // The index of the service name in a command line, or -1 when there is none. Items in front
 // of it are options in one of QCommandLineParser's forms: "--name=value", "--name value",
 // "-n value", "-nvalue"; unknown ones count as flags.
-int serviceNameIndex(const QStringList& commandLine, const QList<QCommandLineOption>& options)
-{
+int serviceNameIndex(const QStringList& commandLine, const QList<QCommandLineOption>& options) {
     for (int index = 1; index < commandLine.size(); ++index) {
         const QString& item = commandLine.at(index);
         if (item == QLatin1String("--"))
@@ -38,9 +36,7 @@ int serviceNameIndex(const QStringList& commandLine, const QList<QCommandLineOpt
 
 ServiceRunRequest::ServiceRunRequest(QString serviceName, QStringList arguments)
     : serviceName(std::move(serviceName))
-    , arguments(std::move(arguments))
-{
-}
+    , arguments(std::move(arguments)) {}
 
 ServiceRunRequest::ServiceRunRequest(const ServiceRunRequest& other) = default;
 ServiceRunRequest::ServiceRunRequest(ServiceRunRequest&& other) noexcept = default;
@@ -48,14 +44,12 @@ ServiceRunRequest& ServiceRunRequest::operator=(const ServiceRunRequest& other) 
 ServiceRunRequest& ServiceRunRequest::operator=(ServiceRunRequest&& other) noexcept = default;
 ServiceRunRequest::~ServiceRunRequest() = default;
 
-std::unique_ptr<AbstractRequestSerializer> ServiceRunRequest::serializer() const
-{
+std::unique_ptr<AbstractRequestSerializer> ServiceRunRequest::serializer() const {
     return std::make_unique<Serializer>();
 }
 
 ServiceRunRequest ServiceRunRequest::fromCli(const QStringList& commandLine,
-                                             const QList<QCommandLineOption>& options)
-{
+                                             const QList<QCommandLineOption>& options) {
     const int index = serviceNameIndex(commandLine, options);
     if (index < 0)
         throw Error("No service specified");
@@ -63,13 +57,11 @@ ServiceRunRequest ServiceRunRequest::fromCli(const QStringList& commandLine,
                              QStringList(commandLine.first()) + commandLine.mid(index + 1));
 }
 
-std::unique_ptr<Request> ServiceRunRequest::Serializer::loadFromCli(const QStringList& arguments)
-{
+std::unique_ptr<Request> ServiceRunRequest::Serializer::loadFromCli(const QStringList& arguments) {
     return std::make_unique<ServiceRunRequest>(fromCli(arguments, {}));
 }
 
-std::unique_ptr<Request> ServiceRunRequest::Serializer::loadFromJson(const nlohmann::json& value)
-{
+std::unique_ptr<Request> ServiceRunRequest::Serializer::loadFromJson(const nlohmann::json& value) {
     QStringList arguments;
     for (const auto& argument : value.at("arguments"))
         arguments.append(QString::fromStdString(argument.get<std::string>()));
@@ -77,16 +69,14 @@ std::unique_ptr<Request> ServiceRunRequest::Serializer::loadFromJson(const nlohm
         QString::fromStdString(value.at("service").get<std::string>()), arguments);
 }
 
-QStringList ServiceRunRequest::Serializer::toCli(const Request& request) const
-{
+QStringList ServiceRunRequest::Serializer::toCli(const Request& request) const {
     const auto& command = dynamic_cast<const ServiceRunRequest&>(request);
     const QString programPath =
         command.arguments.isEmpty() ? QStringLiteral("app-path-stub") : command.arguments.first();
     return QStringList{programPath, command.serviceName} + command.arguments.mid(1);
 }
 
-nlohmann::json ServiceRunRequest::Serializer::toJson(const Request& request) const
-{
+nlohmann::json ServiceRunRequest::Serializer::toJson(const Request& request) const {
     const auto& command = dynamic_cast<const ServiceRunRequest&>(request);
     auto arguments = nlohmann::json::array();
     for (const auto& argument : command.arguments)

@@ -17,10 +17,9 @@ constexpr char customizationFileName[] = "ReelSmithCustom.ini";
 // The settings stores live under the vendor's word whatever the customized organisation is.
 constexpr char settingsOrganization[] = "Velmor";
 
-std::shared_ptr<Velmor::App::ISettingsManager> makeSettings(const QString& settingsId)
-{
+std::shared_ptr<Velmor::App::ISettingsManager> makeSettings(const QString& settingsId) {
     return std::make_shared<Velmor::App::SettingsManager>(settingsId,
-                                                         QString::fromUtf8(settingsOrganization));
+                                                          QString::fromUtf8(settingsOrganization));
 }
 
 } // namespace
@@ -36,10 +35,9 @@ public:
 };
 
 CLILauncher::CLILauncher()
-    : d(std::make_unique<Private>())
-{
-    d->customizationManager = std::make_shared<Velmor::App::CustomizationManager>(
-        Velmor::ioPath(customizationFileName));
+    : d(std::make_unique<Private>()) {
+    d->customizationManager =
+        std::make_shared<Velmor::App::CustomizationManager>(Velmor::ioPath(customizationFileName));
 
     QCoreApplication::setApplicationVersion(Velmor::Util::VersionToString(
         d->customizationManager->GetProductVersion(),
@@ -74,23 +72,19 @@ CLILauncher::CLILauncher()
     registerInstance(this);
 }
 
-CLILauncher::~CLILauncher()
-{
+CLILauncher::~CLILauncher() {
     unregisterInstance(this);
 }
 
-bool CLILauncher::isCoreInitialized() const
-{
+bool CLILauncher::isCoreInitialized() const {
     return false;
 }
 
-Velmor::App::ActionParser* CLILauncher::actionParser() const
-{
+Velmor::App::ActionParser* CLILauncher::actionParser() const {
     return nullptr;
 }
 
-QStringList CLILauncher::commandLineArguments() const
-{
+QStringList CLILauncher::commandLineArguments() const {
     return QCoreApplication::arguments();
 }
 
@@ -98,7 +92,6 @@ void CLILauncher::workerIsBusy(void*) {}
 
 void CLILauncher::workerIsIdle(void*) {}
 
-CLILauncher* CLILauncher::instance()
-{
+CLILauncher* CLILauncher::instance() {
     return dynamic_cast<CLILauncher*>(Launcher::instance());
 }

@@ -59,12 +59,12 @@ struct EDITORSERVICE_EXPORT PresetContext {
     // `presetContext.serialize(archive, version);`. An empty override is left out of the
     // command line and of JSON; `preset` is always written.
     template <class Archive> void serialize(Archive& archive, const unsigned int /*version*/) {
-        archive& makeOptionField(preset, option(PresetName));
-        archive& makeOptionField(videoCodec, option(VideoCodec));
-        archive& makeOptionField(resizeFillMode, option(ResizeFillMode));
-        archive& makeOptionField(frameSize, option(FrameSize));
-        archive& makeOptionField(videoBitrate, option(VideoBitrate));
-        archive& makeOptionField(audioBitrate, option(AudioBitrate));
+        visitField(archive, preset, option(PresetName));
+        visitField(archive, videoCodec, option(VideoCodec));
+        visitField(archive, resizeFillMode, option(ResizeFillMode));
+        visitField(archive, frameSize, option(FrameSize));
+        visitField(archive, videoBitrate, option(VideoBitrate));
+        visitField(archive, audioBitrate, option(AudioBitrate));
     }
 
     QString preset;

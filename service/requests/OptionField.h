@@ -18,13 +18,17 @@ template <class T> struct OptionField {
     QCommandLineOption option;
 };
 
-// The field visitor's way to hand a field over:
-//     archive & makeOptionField(timeout, timeoutOption());
-// The result is const so that it binds to the archives' operator&, as Boost's make_nvp does.
-// clang-format reads such a line as a declaration and glues the '&' to `archive`; keep the field
-// lines between `// clang-format off` and `// clang-format on`.
+// An OptionField for a visitor to hand to an archive. The result is const so that it binds to
+// the archives' operator&, as Boost's make_nvp does.
 template <class T> const OptionField<T> makeOptionField(T& value, QCommandLineOption option) {
     return OptionField<T>{&value, std::move(option)};
+}
+
+// The field visitor's way to hand a field over, read or written:
+//     visitField(archive, timeout, timeoutOption());
+template <class Archive, class T>
+void visitField(Archive& archive, T& value, QCommandLineOption option) {
+    archive & makeOptionField(value, std::move(option));
 }
 
 } // namespace EditorService

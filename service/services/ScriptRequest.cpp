@@ -9,8 +9,8 @@
 namespace EditorService {
 namespace {
 
-// A present key must be there: a missing one raises out_of_range rather than inventing a
-// default, and a value that is no object raises type_error 305 from the const subscript.
+// Both keys must be there: a missing one raises out_of_range rather than taking a default,
+// and a value that is no object raises type_error 305 from the const subscript.
 const nlohmann::json& field(const nlohmann::json& value, const char* key) {
     if (value.is_object())
         return value.at(key);

@@ -26,7 +26,7 @@ struct EDITORSERVICE_EXPORT TimeoutRequest : Request {
 
     // The limit is the one field of the archives; the wrapped request is its serializer's.
     template <class Archive> void serialize(Archive& archive, const unsigned int /*version*/) {
-        archive& makeOptionField(timeout, timeoutOption());
+        visitField(archive, timeout, timeoutOption());
         if constexpr (Archive::is_loading::value)
             validateOnLoad();
     }

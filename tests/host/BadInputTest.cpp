@@ -227,8 +227,8 @@ TEST_F(BadInputTest, ScriptThatNamesItselfNestsUntilInterrupted) {
 }
 
 // What a script that names itself should do: end with an error once scripts nest deeper than
-// a fixed limit, as make and shells limit recursion. Disabled until the host's script service
-// counts its nesting.
+// a fixed limit, as make and shells limit recursion, instead of growing until it is stopped.
+// Disabled until the host counts the nesting of its script service.
 TEST_F(BadInputTest, DISABLED_ScriptThatNamesItselfEndsWithANestingError) {
     const QString path = m_directory.filePath(QStringLiteral("self.reel"));
     writeScript("script; " + path.toLocal8Bit() + "\n", QStringLiteral("self.reel"));
@@ -237,7 +237,7 @@ TEST_F(BadInputTest, DISABLED_ScriptThatNamesItselfEndsWithANestingError) {
     EXPECT_EQ(run.output, "");
     EXPECT_EQ(errorLinesBesidesTheLog(run),
               QList<QByteArray>{"Scripts nest deeper than 16 levels"});
-    EXPECT_EQ(run.errors.count("] Processing command: "), 16);
+    EXPECT_LE(run.errors.count("] Processing command: "), 17);
 }
 
 // How --jobs reads shows in the order of two commands: a slow one first, then a fast one.

@@ -1,6 +1,8 @@
 #include "tests/host/HostProcess.h"
+#include "tests/support/TestScale.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <csignal>
 #include <gtest/gtest.h>
@@ -14,8 +16,7 @@ namespace {
 
 class ConsoleHostTest : public testing::Test {
 protected:
-    QString writeScript(const QByteArray& content)
-    {
+    QString writeScript(const QByteArray& content) {
         const QString path = m_directory.filePath(QStringLiteral("script%1.reel").arg(++m_files));
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
@@ -27,36 +28,35 @@ protected:
     int m_files = 0;
 };
 
-TEST_F(ConsoleHostTest, EchoPrintsItsArgumentsAsOneJsonLine)
-{
+TEST_F(ConsoleHostTest, EchoPrintsItsArgumentsAsOneJsonLine) {
     const HostRun run = runHost({"echo", "a", "b c"});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.output, "{\"echo\":[\"a\",\"b c\"]}\n");
     EXPECT_EQ(run.errors, "");
 }
 
-TEST_F(ConsoleHostTest, HelpListsEveryServiceAndTheHostOptions)
-{
+TEST_F(ConsoleHostTest, HelpListsEveryServiceAndTheHostOptions) {
     const HostRun run = runHost({"--help"});
     EXPECT_EQ(run.exitCode, 0);
-    for (const char* expected : {"\n  echo ", "\n  fail ", "\n  noop ", "\n  script ", "\n  tick ",
-                                 "--timeout, -t <seconds>", "--hot-start", "--render-jobs, --rj <N>",
-                                 "--disable-plugin <plugin name>", "--cache-ttl <time in msec>"})
+    for (const char* expected :
+         {"\n  echo ", "\n  fail ", "\n  noop ", "\n  preset ", "\n  presets ", "\n  runtime ",
+          "\n  script ", "\n  tick ", "--timeout, -t <seconds>", "--hot-start",
+          "--render-jobs, --rj <N>", "--disable-plugin <plugin name>",
+          "--cache-ttl <time in msec>"})
         EXPECT_TRUE(run.output.contains(expected)) << expected;
-    EXPECT_TRUE(run.output.contains("  script  Execute commands from script\n"));
+    EXPECT_TRUE(QString::fromUtf8(run.output).contains(
+        QRegularExpression(QStringLiteral("\n  script +Execute commands from script\n"))));
     EXPECT_EQ(run.errors, "");
 }
 
-TEST_F(ConsoleHostTest, NoServiceExitsWithUsageStatus)
-{
+TEST_F(ConsoleHostTest, NoServiceExitsWithUsageStatus) {
     const HostRun run = runHost({});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_EQ(run.errors, "No service specified, try \"reelsmith --help\"\n");
     EXPECT_EQ(run.output, "");
 }
 
-TEST_F(ConsoleHostTest, UnknownServiceExitsWithUsageStatusNamingTheKnownOnes)
-{
+TEST_F(ConsoleHostTest, UnknownServiceExitsWithUsageStatusNamingTheKnownOnes) {
     const HostRun run = runHost({"nosuch", "x"});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_TRUE(run.errors.startsWith("Unknown service \"nosuch\", known services: echo, fail, "))
@@ -64,15 +64,13 @@ TEST_F(ConsoleHostTest, UnknownServiceExitsWithUsageStatusNamingTheKnownOnes)
     EXPECT_EQ(run.output, "");
 }
 
-TEST_F(ConsoleHostTest, UnknownHostOptionExitsWithUsageStatus)
-{
+TEST_F(ConsoleHostTest, UnknownHostOptionExitsWithUsageStatus) {
     const HostRun run = runHost({"--nonsense", "echo"});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_EQ(run.errors, "Unknown option \"nonsense\", try \"reelsmith --help\"\n");
 }
 
-TEST_F(ConsoleHostTest, ServiceHelpPrintsThatServicesOptions)
-{
+TEST_F(ConsoleHostTest, ServiceHelpPrintsThatServicesOptions) {
     const HostRun run = runHost({"script", "--help"});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_TRUE(run.output.contains("Execute commands from script"));
@@ -80,63 +78,56 @@ TEST_F(ConsoleHostTest, ServiceHelpPrintsThatServicesOptions)
     EXPECT_EQ(run.errors, "");
 }
 
-TEST_F(ConsoleHostTest, FailingStreamExitsWithFailureAndTheErrorsOwnText)
-{
+TEST_F(ConsoleHostTest, FailingStreamExitsWithFailureAndTheErrorsOwnText) {
     const HostRun run = runHost({"fail", "--message=boom"});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.errors, "boom\n");
     EXPECT_EQ(run.output, "");
 }
 
-TEST_F(ConsoleHostTest, ScriptRunsItsCommandsInOrderWithOneJob)
-{
+TEST_F(ConsoleHostTest, ScriptRunsItsCommandsInOrderWithOneJob) {
     const HostRun run = runHost({"script", writeScript("echo; a\n# comment\necho ; b ; c d\n")});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.output, "{\"echo\":[\"a\"]}\n{\"echo\":[\"b\",\"c d\"]}\n");
     EXPECT_TRUE(run.errors.contains("Processing command: echo; a\n"));
 }
 
-TEST_F(ConsoleHostTest, MissingScriptFailsWithItsPath)
-{
+TEST_F(ConsoleHostTest, MissingScriptFailsWithItsPath) {
     const HostRun run = runHost({"script", "/nonexistent/demo.reel"});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.errors, "Can not open input device: /nonexistent/demo.reel\n");
     EXPECT_EQ(run.output, "");
 }
 
-TEST_F(ConsoleHostTest, SilentCommandPastItsLimitEndsTheProcessWithStatus124)
-{
+TEST_F(ConsoleHostTest, SilentCommandPastItsLimitEndsTheProcessWithStatus124) {
     const HostRun run = runHost({"tick", "--count=1", "--interval=3000", "--timeout=1"});
     EXPECT_EQ(run.exitCode, 124);
     EXPECT_EQ(run.errors, "Command timed out after 1 s: tick --count=1 --interval=3000\n");
     EXPECT_EQ(run.output, "");
 }
 
-TEST_F(ConsoleHostTest, LimitBeforeTheServiceNameAppliesToTheService)
-{
+TEST_F(ConsoleHostTest, LimitBeforeTheServiceNameAppliesToTheService) {
     const HostRun run = runHost({"-t", "1", "tick", "--count=1", "--interval=3000"});
     EXPECT_EQ(run.exitCode, 124);
 }
 
-TEST_F(ConsoleHostTest, CommandWithinItsLimitCompletes)
-{
+TEST_F(ConsoleHostTest, CommandWithinItsLimitCompletes) {
     const HostRun run = runHost({"tick", "--count=2", "--interval=10", "--timeout=30"});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.output, "{\"tick\":1}\n{\"tick\":2}\n");
 }
 
-TEST_F(ConsoleHostTest, ScriptWhoseSecondCommandIsSilentPastItsLimitKeepsTheFirstValues)
-{
+TEST_F(ConsoleHostTest, ScriptWhoseSecondCommandIsSilentPastItsLimitKeepsTheFirstValues) {
     const HostRun run = runHost(
         {"script", writeScript("echo; first\ntick; --count=1; --interval=3000; --timeout=1\n")});
     EXPECT_EQ(run.exitCode, 124);
     EXPECT_EQ(run.output, "{\"echo\":[\"first\"]}\n");
-    EXPECT_TRUE(run.errors.contains("Command timed out after 1 s: tick --count=1 --interval=3000\n"))
+    EXPECT_TRUE(
+        run.errors.contains("Command timed out after 1 s: tick --count=1 --interval=3000\n"))
         << run.errors.toStdString();
 }
 
-TEST_F(ConsoleHostTest, ValuesFromManyThreadsAtOnceAreWholeLines)
-{
+TEST_F(ConsoleHostTest, ValuesFromManyThreadsAtOnceAreWholeLines) {
     QByteArray script;
     for (int command = 0; command < 8; ++command)
         script += "tick; --count=300; --interval=0\n";
@@ -145,11 +136,39 @@ TEST_F(ConsoleHostTest, ValuesFromManyThreadsAtOnceAreWholeLines)
     const auto lines = run.outputLines();
     ASSERT_EQ(lines.size(), 2400);
     for (const QByteArray& line : lines)
-        ASSERT_TRUE(nlohmann::json::parse(line.toStdString()).contains("tick")) << line.toStdString();
+        ASSERT_TRUE(nlohmann::json::parse(line.toStdString()).contains("tick"))
+            << line.toStdString();
 }
 
-void expectStatusAfterSignal(int signal, int status)
-{
+class ConsoleHostLoadTest : public ConsoleHostTest,
+                            public testing::WithParamInterface<const char*> {};
+
+TEST_P(ConsoleHostLoadTest, HundredThousandCommandsDeliverEveryValueOnce) {
+    const int commands = EditorService::Testing::scaledForSanitizers(100000);
+    QByteArray script;
+    for (int command = 0; command < commands; ++command)
+        script += "echo; " + QByteArray::number(command) + "\n";
+    const HostRun run = runHost({"script", writeScript(script), GetParam()});
+    ASSERT_EQ(run.exitCode, 0) << run.errors.right(500).toStdString();
+    std::vector<bool> seen(commands, false);
+    for (const QByteArray& line : run.outputLines()) {
+        const int command =
+            std::stoi(nlohmann::json::parse(line.toStdString())["echo"][0].get<std::string>());
+        ASSERT_FALSE(seen.at(command)) << "twice: " << command;
+        seen.at(command) = true;
+    }
+    EXPECT_EQ(std::count(seen.begin(), seen.end(), true), commands);
+}
+
+INSTANTIATE_TEST_SUITE_P(Jobs, ConsoleHostLoadTest,
+                         testing::Values("--jobs=1", "--jobs=8", "--jobs=0"),
+                         [](const testing::TestParamInfo<const char*>& info) {
+                             return std::string(info.param).substr(7) == "0"
+                                        ? std::string("Unlimited")
+                                        : "Jobs" + std::string(info.param).substr(7);
+                         });
+
+void expectStatusAfterSignal(int signal, int status) {
     QProcess process;
     startHost(process, {"tick", "--count=100000", "--interval=5"});
     ASSERT_TRUE(process.waitForReadyRead(60000));
@@ -161,23 +180,21 @@ void expectStatusAfterSignal(int signal, int status)
     EXPECT_TRUE(output.endsWith("}\n")) << output.toStdString();
 }
 
-TEST_F(ConsoleHostTest, InterruptStopsTheStreamAndExitsWith130)
-{
+TEST_F(ConsoleHostTest, InterruptStopsTheStreamAndExitsWith130) {
     expectStatusAfterSignal(SIGINT, 130);
 }
 
-TEST_F(ConsoleHostTest, TerminationStopsTheStreamAndExitsWith143)
-{
+TEST_F(ConsoleHostTest, TerminationStopsTheStreamAndExitsWith143) {
     expectStatusAfterSignal(SIGTERM, 143);
 }
 
-TEST_F(ConsoleHostTest, ClosedOutputEndsTheProcessQuietly)
-{
+TEST_F(ConsoleHostTest, ClosedOutputEndsTheProcessQuietly) {
     const QString errors = m_directory.filePath(QStringLiteral("errors.txt"));
     QProcess shell;
     shell.start(QStringLiteral("bash"),
-                {"-c", "\"$0\" tick --count=1000000 --interval=0 2>\"$1\" | head -n 1; "
-                       "echo \"status ${PIPESTATUS[0]}\"",
+                {"-c",
+                 "\"$0\" tick --count=1000000 --interval=0 2>\"$1\" | head -n 1; "
+                 "echo \"status ${PIPESTATUS[0]}\"",
                  QStringLiteral(REELSMITH_HOST), errors});
     ASSERT_TRUE(shell.waitForFinished(60000));
     EXPECT_EQ(shell.readAllStandardOutput(), "{\"tick\":1}\nstatus 141\n");

@@ -2,16 +2,14 @@
 
 namespace EditorService::Testing {
 
-QList<QByteArray> HostRun::outputLines() const
-{
+QList<QByteArray> HostRun::outputLines() const {
     QList<QByteArray> lines = output.split('\n');
     if (!lines.isEmpty() && lines.last().isEmpty())
         lines.removeLast();
     return lines;
 }
 
-HostRun runHost(const QStringList& arguments, const QString& workingDirectory)
-{
+HostRun runHost(const QStringList& arguments, const QString& workingDirectory) {
     QProcess process;
     if (!workingDirectory.isEmpty())
         process.setWorkingDirectory(workingDirectory);
@@ -25,8 +23,7 @@ HostRun runHost(const QStringList& arguments, const QString& workingDirectory)
     return run;
 }
 
-void startHost(QProcess& process, const QStringList& arguments)
-{
+void startHost(QProcess& process, const QStringList& arguments) {
     process.setProgram(QStringLiteral(REELSMITH_HOST));
     process.setArguments(arguments);
     process.start();

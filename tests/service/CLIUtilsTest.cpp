@@ -28,8 +28,7 @@ struct Outcome {
 
 class CLIUtilsTest : public testing::Test {
 protected:
-    QString writeScript(const QByteArray& content)
-    {
+    QString writeScript(const QByteArray& content) {
         const QString path = m_directory.filePath(QStringLiteral("script%1.txt").arg(++m_files));
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
@@ -37,8 +36,7 @@ protected:
         return path;
     }
 
-    static std::shared_ptr<Outcome> subscribe(const rxcpp::observable<QStringList>& commands)
-    {
+    static std::shared_ptr<Outcome> subscribe(const rxcpp::observable<QStringList>& commands) {
         auto outcome = std::make_shared<Outcome>();
         const auto onMainThread = [outcome] {
             if (QThread::currentThread() != QCoreApplication::instance()->thread())
@@ -64,15 +62,13 @@ protected:
         return outcome;
     }
 
-    std::shared_ptr<Outcome> run(const QByteArray& content)
-    {
+    std::shared_ptr<Outcome> run(const QByteArray& content) {
         auto outcome = subscribe(CLIUtils::openCommandScript(writeScript(content)));
         EXPECT_TRUE(spinUntil([outcome] { return outcome->ended(); }));
         return outcome;
     }
 
-    QStringList command(QStringList parts) const
-    {
+    QStringList command(QStringList parts) const {
         parts.prepend(QCoreApplication::arguments().first());
         return parts;
     }
@@ -82,15 +78,13 @@ protected:
     int m_files = 0;
 };
 
-TEST_F(CLIUtilsTest, EmptyFileYieldsNoListAndCompletes)
-{
+TEST_F(CLIUtilsTest, EmptyFileYieldsNoListAndCompletes) {
     const auto outcome = run("");
     EXPECT_TRUE(outcome->commands.empty());
     EXPECT_TRUE(outcome->completed);
 }
 
-TEST_F(CLIUtilsTest, BlankLinesAndCommentsYieldNothingAndLogNothing)
-{
+TEST_F(CLIUtilsTest, BlankLinesAndCommentsYieldNothingAndLogNothing) {
     LogCapture log;
     const auto outcome = run("\n   \n# first\n\t# second\n\n");
     EXPECT_TRUE(outcome->commands.empty());
@@ -98,31 +92,27 @@ TEST_F(CLIUtilsTest, BlankLinesAndCommentsYieldNothingAndLogNothing)
     EXPECT_TRUE(log.messages().empty());
 }
 
-TEST_F(CLIUtilsTest, IndentedHashIsCommentAndHashBehindTextIsPlainText)
-{
+TEST_F(CLIUtilsTest, IndentedHashIsCommentAndHashBehindTextIsPlainText) {
     const auto outcome = run("   # hello\nrun # hello\n");
     ASSERT_EQ(outcome->commands.size(), 1u);
     EXPECT_EQ(outcome->commands.at(0), command({"run # hello"}));
 }
 
-TEST_F(CLIUtilsTest, BlanksAroundSeparatorsAreDropped)
-{
+TEST_F(CLIUtilsTest, BlanksAroundSeparatorsAreDropped) {
     const auto outcome = run("a;b\n  a ;  b  \n");
     ASSERT_EQ(outcome->commands.size(), 2u);
     EXPECT_EQ(outcome->commands.at(0), command({"a", "b"}));
     EXPECT_EQ(outcome->commands.at(1), command({"a", "b"}));
 }
 
-TEST_F(CLIUtilsTest, InnerRunOfBlanksBecomesOneBlankWithinPart)
-{
+TEST_F(CLIUtilsTest, InnerRunOfBlanksBecomesOneBlankWithinPart) {
     const auto outcome = run("a  b;c\nalpha; --name=my file; --flag\n");
     ASSERT_EQ(outcome->commands.size(), 2u);
     EXPECT_EQ(outcome->commands.at(0), command({"a b", "c"}));
     EXPECT_EQ(outcome->commands.at(1), command({"alpha", "--name=my file", "--flag"}));
 }
 
-TEST_F(CLIUtilsTest, OnlySeparatorsYieldNoListButAreLogged)
-{
+TEST_F(CLIUtilsTest, OnlySeparatorsYieldNoListButAreLogged) {
     LogCapture log;
     const auto outcome = run(";;;\n");
     EXPECT_TRUE(outcome->commands.empty());
@@ -131,60 +121,52 @@ TEST_F(CLIUtilsTest, OnlySeparatorsYieldNoListButAreLogged)
     EXPECT_EQ(log.messages().at(0), "Processing command: ;;;");
 }
 
-TEST_F(CLIUtilsTest, SeparatorsAroundBlankYieldOneEmptyArgument)
-{
+TEST_F(CLIUtilsTest, SeparatorsAroundBlankYieldOneEmptyArgument) {
     const auto outcome = run("; ;\n");
     ASSERT_EQ(outcome->commands.size(), 1u);
     EXPECT_EQ(outcome->commands.at(0), command({""}));
 }
 
-TEST_F(CLIUtilsTest, DoubleSeparatorIsDroppedButSeparatedBlankStays)
-{
+TEST_F(CLIUtilsTest, DoubleSeparatorIsDroppedButSeparatedBlankStays) {
     const auto outcome = run("a;;b\na; ;b\n");
     ASSERT_EQ(outcome->commands.size(), 2u);
     EXPECT_EQ(outcome->commands.at(0), command({"a", "b"}));
     EXPECT_EQ(outcome->commands.at(1), command({"a", "", "b"}));
 }
 
-TEST_F(CLIUtilsTest, LastLineWithoutLineEndIsRead)
-{
+TEST_F(CLIUtilsTest, LastLineWithoutLineEndIsRead) {
     const auto outcome = run("first\nsecond");
     ASSERT_EQ(outcome->commands.size(), 2u);
     EXPECT_EQ(outcome->commands.at(1), command({"second"}));
 }
 
-TEST_F(CLIUtilsTest, TrailingLineEndYieldsNoExtraCommand)
-{
+TEST_F(CLIUtilsTest, TrailingLineEndYieldsNoExtraCommand) {
     const auto outcome = run("first\n");
     ASSERT_EQ(outcome->commands.size(), 1u);
     EXPECT_TRUE(outcome->completed);
 }
 
-TEST_F(CLIUtilsTest, WindowsLineEndsAreNotPartOfTheLine)
-{
+TEST_F(CLIUtilsTest, WindowsLineEndsAreNotPartOfTheLine) {
     const auto outcome = run("first;x\r\nsecond\r\n");
     ASSERT_EQ(outcome->commands.size(), 2u);
     EXPECT_EQ(outcome->commands.at(0), command({"first", "x"}));
     EXPECT_EQ(outcome->commands.at(1), command({"second"}));
 }
 
-TEST_F(CLIUtilsTest, QuotesAndBackslashesReachTheCommandUnchanged)
-{
+TEST_F(CLIUtilsTest, QuotesAndBackslashesReachTheCommandUnchanged) {
     const auto outcome = run("echo; \"a b\"; c\\;d\n");
     ASSERT_EQ(outcome->commands.size(), 1u);
     EXPECT_EQ(outcome->commands.at(0), command({"echo", "\"a b\"", "c\\", "d"}));
 }
 
-TEST_F(CLIUtilsTest, EachCommandIsLoggedWholeAndNormalisedBeforeTheSplit)
-{
+TEST_F(CLIUtilsTest, EachCommandIsLoggedWholeAndNormalisedBeforeTheSplit) {
     LogCapture log;
     run("  alpha ;\t beta  \n# not logged\n");
     ASSERT_EQ(log.messages().size(), 1u);
     EXPECT_EQ(log.messages().at(0), "Processing command: alpha ; beta");
 }
 
-TEST_F(CLIUtilsTest, CommandsArriveInFileOrderOnTheMainThread)
-{
+TEST_F(CLIUtilsTest, CommandsArriveInFileOrderOnTheMainThread) {
     QByteArray content;
     for (int line = 0; line < 500; ++line)
         content += "command" + QByteArray::number(line) + "\n";
@@ -198,8 +180,7 @@ TEST_F(CLIUtilsTest, CommandsArriveInFileOrderOnTheMainThread)
     EXPECT_FALSE(outcome->deliveredOffMainThread);
 }
 
-TEST_F(CLIUtilsTest, MissingPathFailsAtSubscriptionNotAtTheCall)
-{
+TEST_F(CLIUtilsTest, MissingPathFailsAtSubscriptionNotAtTheCall) {
     const QString path = m_directory.filePath(QStringLiteral("missing.txt"));
     const auto commands = CLIUtils::openCommandScript(path);
     QFile file(path);
@@ -213,29 +194,26 @@ TEST_F(CLIUtilsTest, MissingPathFailsAtSubscriptionNotAtTheCall)
     const auto failed = subscribe(
         CLIUtils::openCommandScript(m_directory.filePath(QStringLiteral("nothing/here.txt"))));
     ASSERT_TRUE(spinUntil([failed] { return failed->ended(); }));
-    EXPECT_EQ(failed->error,
-              "Can not open input device: " + m_directory.filePath("nothing/here.txt").toStdString());
+    EXPECT_EQ(failed->error, "Can not open input device: "
+                                 + m_directory.filePath("nothing/here.txt").toStdString());
     EXPECT_TRUE(failed->commands.empty());
     EXPECT_FALSE(failed->deliveredOffMainThread);
 }
 
-TEST_F(CLIUtilsTest, ErrorArrivesOnlyOnceTheMainThreadRuns)
-{
+TEST_F(CLIUtilsTest, ErrorArrivesOnlyOnceTheMainThreadRuns) {
     const auto outcome = subscribe(CLIUtils::openCommandScript(QStringLiteral("/nonexistent/x")));
     EXPECT_FALSE(outcome->ended());
     ASSERT_TRUE(spinUntil([outcome] { return outcome->ended(); }));
     EXPECT_EQ(outcome->error, "Can not open input device: /nonexistent/x");
 }
 
-TEST_F(CLIUtilsTest, DirectoryAsPathCannotBeOpened)
-{
+TEST_F(CLIUtilsTest, DirectoryAsPathCannotBeOpened) {
     const auto outcome = subscribe(CLIUtils::openCommandScript(m_directory.path()));
     ASSERT_TRUE(spinUntil([outcome] { return outcome->ended(); }));
     EXPECT_EQ(outcome->error, "Can not open input device: " + m_directory.path().toStdString());
 }
 
-TEST_F(CLIUtilsTest, TwoSubscriptionsReadTheFileTwice)
-{
+TEST_F(CLIUtilsTest, TwoSubscriptionsReadTheFileTwice) {
     const auto commands = CLIUtils::openCommandScript(writeScript("one\ntwo\n"));
     const auto first = subscribe(commands);
     const auto second = subscribe(commands);
@@ -245,8 +223,7 @@ TEST_F(CLIUtilsTest, TwoSubscriptionsReadTheFileTwice)
     EXPECT_EQ(second->commands.at(0), command({"one"}));
 }
 
-TEST_F(CLIUtilsTest, UnsubscriptionDuringReadingStopsWithoutCompletion)
-{
+TEST_F(CLIUtilsTest, UnsubscriptionDuringReadingStopsWithoutCompletion) {
     const QString path = writeScript("one\ntwo\nthree\n");
     std::vector<QString> lines;
     bool completed = false;
@@ -262,27 +239,24 @@ TEST_F(CLIUtilsTest, UnsubscriptionDuringReadingStopsWithoutCompletion)
     EXPECT_FALSE(completed);
 }
 
-TEST_F(CLIUtilsTest, RawLinesComeUnchangedFromTheFile)
-{
+TEST_F(CLIUtilsTest, RawLinesComeUnchangedFromTheFile) {
     std::vector<QString> lines;
-    CLIUtils::openFile(writeScript("  a ;b  \n\n# c")).subscribe(
-        [&](const QString& line) { lines.push_back(line); }, [](std::exception_ptr) {});
+    CLIUtils::openFile(writeScript("  a ;b  \n\n# c"))
+        .subscribe([&](const QString& line) { lines.push_back(line); }, [](std::exception_ptr) {});
     EXPECT_EQ(lines, (std::vector<QString>{"  a ;b  ", "", "# c"}));
 }
 
-TEST_F(CLIUtilsTest, EmptyFileDeliversOneEmptyRawLine)
-{
+TEST_F(CLIUtilsTest, EmptyFileDeliversOneEmptyRawLine) {
     std::vector<QString> lines;
     bool completed = false;
-    CLIUtils::openFile(writeScript("")).subscribe(
-        [&](const QString& line) { lines.push_back(line); }, [](std::exception_ptr) {},
-        [&] { completed = true; });
+    CLIUtils::openFile(writeScript(""))
+        .subscribe([&](const QString& line) { lines.push_back(line); }, [](std::exception_ptr) {},
+                   [&] { completed = true; });
     EXPECT_EQ(lines, std::vector<QString>{""});
     EXPECT_TRUE(completed);
 }
 
-TEST_F(CLIUtilsTest, PipeOnlyFailsWithItsMessage)
-{
+TEST_F(CLIUtilsTest, PipeOnlyFailsWithItsMessage) {
     const auto outcome = subscribe(CLIUtils::openCommandPipe());
     ASSERT_TRUE(spinUntil([outcome] { return outcome->ended(); }));
     EXPECT_TRUE(outcome->commands.empty());
@@ -290,8 +264,7 @@ TEST_F(CLIUtilsTest, PipeOnlyFailsWithItsMessage)
     EXPECT_FALSE(outcome->deliveredOffMainThread);
 }
 
-TEST_F(CLIUtilsTest, ParseCommandYieldsZeroOrOneList)
-{
+TEST_F(CLIUtilsTest, ParseCommandYieldsZeroOrOneList) {
     const auto parse = [](const QString& line) {
         std::vector<QStringList> lists;
         CLIUtils::parseCommand(line).subscribe(

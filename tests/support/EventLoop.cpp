@@ -6,8 +6,7 @@
 
 namespace EditorService::Testing {
 
-bool spinUntil(const std::function<bool()>& done, std::chrono::milliseconds limit)
-{
+bool spinUntil(const std::function<bool()>& done, std::chrono::milliseconds limit) {
     const auto deadline = std::chrono::steady_clock::now() + limit;
     while (!done()) {
         if (std::chrono::steady_clock::now() >= deadline)
@@ -19,8 +18,7 @@ bool spinUntil(const std::function<bool()>& done, std::chrono::milliseconds limi
     return true;
 }
 
-void spinFor(std::chrono::milliseconds duration)
-{
+void spinFor(std::chrono::milliseconds duration) {
     const auto deadline = std::chrono::steady_clock::now() + duration;
     while (std::chrono::steady_clock::now() < deadline) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);

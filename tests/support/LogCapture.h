@@ -14,14 +14,12 @@ public:
     ~LogCapture() override { google::RemoveLogSink(this); }
 
     void send(google::LogSeverity, const char*, const char*, int, const google::LogMessageTime&,
-              const char* message, size_t length) override
-    {
+              const char* message, size_t length) override {
         std::lock_guard<std::mutex> lock(m_mutex);
         m_messages.emplace_back(message, length);
     }
 
-    std::vector<std::string> messages() const
-    {
+    std::vector<std::string> messages() const {
         std::lock_guard<std::mutex> lock(m_mutex);
         return m_messages;
     }

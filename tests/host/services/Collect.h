@@ -16,15 +16,13 @@ struct Collected {
     std::exception_ptr error;
     bool completed = false;
 
-    bool ended()
-    {
+    bool ended() {
         std::lock_guard<std::mutex> lock(mutex);
         return completed || error;
     }
 };
 
-inline std::shared_ptr<Collected> collect(const rxcpp::observable<nlohmann::json>& stream)
-{
+inline std::shared_ptr<Collected> collect(const rxcpp::observable<nlohmann::json>& stream) {
     auto collected = std::make_shared<Collected>();
     stream.subscribe(
         [collected](const nlohmann::json& value) {
@@ -43,15 +41,13 @@ inline std::shared_ptr<Collected> collect(const rxcpp::observable<nlohmann::json
 }
 
 // Subscribes and runs the main thread's loop until the stream has ended.
-inline std::shared_ptr<Collected> collectToEnd(const rxcpp::observable<nlohmann::json>& stream)
-{
+inline std::shared_ptr<Collected> collectToEnd(const rxcpp::observable<nlohmann::json>& stream) {
     auto collected = collect(stream);
     spinUntil([collected] { return collected->ended(); });
     return collected;
 }
 
-inline std::string errorText(const std::exception_ptr& error)
-{
+inline std::string errorText(const std::exception_ptr& error) {
     try {
         std::rethrow_exception(error);
     } catch (const std::exception& exception) {

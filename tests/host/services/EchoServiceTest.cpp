@@ -7,8 +7,7 @@
 
 using namespace EditorService::Testing;
 
-TEST(EchoServiceTest, EmitsTheArgumentsBehindTheProgramPathUnchanged)
-{
+TEST(EchoServiceTest, EmitsTheArgumentsBehindTheProgramPathUnchanged) {
     EchoService service;
     const auto collected = collectToEnd(service.run(QStringList{"app", "a", "b c", "", "--x=1"}));
     ASSERT_EQ(collected->values.size(), 1u);
@@ -16,15 +15,13 @@ TEST(EchoServiceTest, EmitsTheArgumentsBehindTheProgramPathUnchanged)
     EXPECT_TRUE(collected->completed);
 }
 
-TEST(EchoServiceTest, NoArgumentsGiveAnEmptyList)
-{
+TEST(EchoServiceTest, NoArgumentsGiveAnEmptyList) {
     EchoService service;
     const auto collected = collectToEnd(service.run(QStringList{"app"}));
     EXPECT_EQ(collected->values.at(0), (nlohmann::json{{"echo", nlohmann::json::array()}}));
 }
 
-TEST(EchoServiceTest, HelpAloneIsHelpAndAmongOthersIsEchoed)
-{
+TEST(EchoServiceTest, HelpAloneIsHelpAndAmongOthersIsEchoed) {
     EchoService service;
     const auto help = collectToEnd(service.run(QStringList{"app", "--help"}));
     try {
@@ -36,8 +33,7 @@ TEST(EchoServiceTest, HelpAloneIsHelpAndAmongOthersIsEchoed)
     EXPECT_EQ(echoed->values.at(0), (nlohmann::json{{"echo", {"x", "--help"}}}));
 }
 
-TEST(EchoServiceTest, SerializerRoundTripsBothForms)
-{
+TEST(EchoServiceTest, SerializerRoundTripsBothForms) {
     EchoRequest request;
     request.arguments = QStringList{"a b", "ü", ""};
     const auto serializer = request.serializer();

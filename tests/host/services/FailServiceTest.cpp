@@ -7,8 +7,7 @@
 
 using namespace EditorService::Testing;
 
-TEST(FailServiceTest, FailsAtOnceWithTheDefaultMessage)
-{
+TEST(FailServiceTest, FailsAtOnceWithTheDefaultMessage) {
     FailService service;
     const auto collected = collect(service.run(QStringList{"app"}));
     ASSERT_TRUE(collected->error);
@@ -17,18 +16,17 @@ TEST(FailServiceTest, FailsAtOnceWithTheDefaultMessage)
     EXPECT_TRUE(collected->values.empty());
 }
 
-TEST(FailServiceTest, FailsWithTheGivenMessageAfterTheDelay)
-{
+TEST(FailServiceTest, FailsWithTheGivenMessageAfterTheDelay) {
     FailService service;
-    const auto collected = collect(service.run(QStringList{"app", "--message=no luck", "--after=20"}));
+    const auto collected =
+        collect(service.run(QStringList{"app", "--message=no luck", "--after=20"}));
     EXPECT_FALSE(collected->ended());
     ASSERT_TRUE(spinUntil([collected] { return collected->ended(); }));
     EXPECT_THROW(std::rethrow_exception(collected->error), EditorService::Error);
     EXPECT_EQ(errorText(collected->error), "no luck");
 }
 
-TEST(FailServiceTest, NegativeDelayFailsWithError)
-{
+TEST(FailServiceTest, NegativeDelayFailsWithError) {
     FailService service;
     const auto collected = collect(service.run(QStringList{"app", "--after=-1"}));
     EXPECT_EQ(errorText(collected->error), "--after must not be negative, is -1");

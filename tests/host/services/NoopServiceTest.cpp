@@ -6,8 +6,7 @@
 
 using namespace EditorService::Testing;
 
-TEST(NoopServiceTest, EmitsOneValueAndCompletesInsideSubscribe)
-{
+TEST(NoopServiceTest, EmitsOneValueAndCompletesInsideSubscribe) {
     NoopService service;
     const auto collected = collect(service.run(QStringList{"app"}));
     EXPECT_EQ(collected->values, (std::vector<nlohmann::json>{{{"noop", true}}}));

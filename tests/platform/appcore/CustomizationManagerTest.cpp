@@ -19,8 +19,7 @@ namespace {
 
 const QString fileName = QStringLiteral("ReelSmithCustom.ini");
 
-void writeFile(const QString& path, const QByteArray& contents)
-{
+void writeFile(const QString& path, const QByteArray& contents) {
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate)) << path.toStdString();
     file.write(contents);
@@ -29,8 +28,7 @@ void writeFile(const QString& path, const QByteArray& contents)
 // Runs each test in a working directory of its own, put back afterwards.
 class CustomizationManagerTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         ASSERT_TRUE(workingDirectory.isValid());
         previousDirectory = QDir::currentPath();
         ASSERT_TRUE(QDir::setCurrent(workingDirectory.path()));
@@ -39,8 +37,7 @@ protected:
 
     void TearDown() override { QDir::setCurrent(previousDirectory); }
 
-    QString inWorkingDirectory(const QString& name) const
-    {
+    QString inWorkingDirectory(const QString& name) const {
         return QDir::current().absoluteFilePath(name);
     }
 
@@ -48,8 +45,7 @@ protected:
     QString previousDirectory;
 };
 
-void expectDefaults(const CustomizationManager& manager)
-{
+void expectDefaults(const CustomizationManager& manager) {
     EXPECT_EQ(manager.GetProductVersion(), (Version{1, 0, 0, 0}));
     EXPECT_EQ(manager.GetOrganizationName(), "Velmor");
     EXPECT_EQ(manager.GetProductName(), "ReelSmith");
@@ -60,22 +56,20 @@ void expectDefaults(const CustomizationManager& manager)
 
 } // namespace
 
-TEST_F(CustomizationManagerTest, DefaultsStandWhenNoFileIsFound)
-{
+TEST_F(CustomizationManagerTest, DefaultsStandWhenNoFileIsFound) {
     const CustomizationManager manager{Velmor::ioPath(fileName)};
     expectDefaults(manager);
     EXPECT_TRUE(manager.GetFilePath().IsEmpty());
 }
 
-TEST_F(CustomizationManagerTest, ReadsEveryKeyOfAFileInTheWorkingDirectory)
-{
+TEST_F(CustomizationManagerTest, ReadsEveryKeyOfAFileInTheWorkingDirectory) {
     writeFile(inWorkingDirectory(fileName), "[Customization]\n"
-                                             "ProductVersion=2.5.1.77\n"
-                                             "OrganizationName=Acme Studios\n"
-                                             "ProductName=ReelSmith Pro\n"
-                                             "ApplicationName=ReelSmith Pro Editor\n"
-                                             "ApplicationSettingsId=ReelSmithPro\n"
-                                             "ProductSettingsId=ReelSmithProHeadless\n");
+                                            "ProductVersion=2.5.1.77\n"
+                                            "OrganizationName=Acme Studios\n"
+                                            "ProductName=ReelSmith Pro\n"
+                                            "ApplicationName=ReelSmith Pro Editor\n"
+                                            "ApplicationSettingsId=ReelSmithPro\n"
+                                            "ProductSettingsId=ReelSmithProHeadless\n");
     const CustomizationManager manager{Velmor::ioPath(fileName)};
     EXPECT_EQ(manager.GetProductVersion(), (Version{2, 5, 1, 77}));
     EXPECT_EQ(manager.GetOrganizationName(), "Acme Studios");
@@ -86,8 +80,7 @@ TEST_F(CustomizationManagerTest, ReadsEveryKeyOfAFileInTheWorkingDirectory)
     EXPECT_EQ(manager.GetFilePath(), Velmor::ioPath(inWorkingDirectory(fileName)));
 }
 
-TEST_F(CustomizationManagerTest, DefaultsStandForTheKeysAFileLacks)
-{
+TEST_F(CustomizationManagerTest, DefaultsStandForTheKeysAFileLacks) {
     writeFile(inWorkingDirectory(fileName), "[Customization]\nProductName=ReelSmith Lite\n");
     const CustomizationManager manager{Velmor::ioPath(fileName)};
     EXPECT_EQ(manager.GetProductName(), "ReelSmith Lite");
@@ -98,48 +91,42 @@ TEST_F(CustomizationManagerTest, DefaultsStandForTheKeysAFileLacks)
     EXPECT_EQ(manager.GetProductSettingsId(), "");
 }
 
-TEST_F(CustomizationManagerTest, KeysOutsideTheCustomizationGroupAreIgnored)
-{
+TEST_F(CustomizationManagerTest, KeysOutsideTheCustomizationGroupAreIgnored) {
     writeFile(inWorkingDirectory(fileName), "ProductName=Loose\n[Other]\nProductName=Elsewhere\n");
     const CustomizationManager manager{Velmor::ioPath(fileName)};
     expectDefaults(manager);
     EXPECT_EQ(manager.GetFilePath(), Velmor::ioPath(inWorkingDirectory(fileName)));
 }
 
-TEST_F(CustomizationManagerTest, AnEmptyFileLeavesTheDefaults)
-{
+TEST_F(CustomizationManagerTest, AnEmptyFileLeavesTheDefaults) {
     writeFile(inWorkingDirectory(fileName), "");
     const CustomizationManager manager{Velmor::ioPath(fileName)};
     expectDefaults(manager);
 }
 
-TEST_F(CustomizationManagerTest, AnEmptyProductSettingsIdIsKeptEmpty)
-{
+TEST_F(CustomizationManagerTest, AnEmptyProductSettingsIdIsKeptEmpty) {
     writeFile(inWorkingDirectory(fileName), "[Customization]\nProductSettingsId=\n");
     const CustomizationManager manager{Velmor::ioPath(fileName)};
     EXPECT_EQ(manager.GetProductSettingsId(), "");
 }
 
-TEST_F(CustomizationManagerTest, ReadsValuesAsUtf8)
-{
+TEST_F(CustomizationManagerTest, ReadsValuesAsUtf8) {
     writeFile(inWorkingDirectory(fileName),
               QStringLiteral("[Customization]\nOrganizationName=Vélmor Ateliér\n").toUtf8());
     const CustomizationManager manager{Velmor::ioPath(fileName)};
     EXPECT_EQ(manager.GetOrganizationName(), QStringLiteral("Vélmor Ateliér").toStdString());
 }
 
-TEST_F(CustomizationManagerTest, ReadsValuesHoldingACommaWhetherQuotedOrNot)
-{
+TEST_F(CustomizationManagerTest, ReadsValuesHoldingACommaWhetherQuotedOrNot) {
     writeFile(inWorkingDirectory(fileName), "[Customization]\n"
-                                             "OrganizationName=\"Velmor, Inc.\"\n"
-                                             "ProductName=ReelSmith, Studio Edition\n");
+                                            "OrganizationName=\"Velmor, Inc.\"\n"
+                                            "ProductName=ReelSmith, Studio Edition\n");
     const CustomizationManager manager{Velmor::ioPath(fileName)};
     EXPECT_EQ(manager.GetOrganizationName(), "Velmor, Inc.");
     EXPECT_EQ(manager.GetProductName(), "ReelSmith, Studio Edition");
 }
 
-TEST_F(CustomizationManagerTest, ReadsAnAbsolutePathAsItIs)
-{
+TEST_F(CustomizationManagerTest, ReadsAnAbsolutePathAsItIs) {
     QTemporaryDir elsewhere;
     const QString path = QDir(elsewhere.path()).absoluteFilePath("Branding.ini");
     writeFile(path, "[Customization]\nProductName=Branded\n");
@@ -149,52 +136,45 @@ TEST_F(CustomizationManagerTest, ReadsAnAbsolutePathAsItIs)
     EXPECT_EQ(manager.GetFilePath(), Velmor::ioPath(path));
 }
 
-TEST_F(CustomizationManagerTest, AnAbsolutePathWithNoFileLeavesTheDefaults)
-{
+TEST_F(CustomizationManagerTest, AnAbsolutePathWithNoFileLeavesTheDefaults) {
     writeFile(inWorkingDirectory(fileName), "[Customization]\nProductName=Local\n");
     const CustomizationManager manager{Velmor::ioPath(inWorkingDirectory("missing/" + fileName))};
     expectDefaults(manager);
     EXPECT_TRUE(manager.GetFilePath().IsEmpty());
 }
 
-TEST_F(CustomizationManagerTest, ADirectoryOfTheFilesNameIsNoFile)
-{
+TEST_F(CustomizationManagerTest, ADirectoryOfTheFilesNameIsNoFile) {
     ASSERT_TRUE(QDir::current().mkdir(fileName));
     const CustomizationManager manager{Velmor::ioPath(fileName)};
     expectDefaults(manager);
     EXPECT_TRUE(manager.GetFilePath().IsEmpty());
 }
 
-TEST_F(CustomizationManagerTest, AMalformedProductVersionThrowsNamingTheFile)
-{
+TEST_F(CustomizationManagerTest, AMalformedProductVersionThrowsNamingTheFile) {
     writeFile(inWorkingDirectory(fileName), "[Customization]\nProductVersion=1.x\n");
     try {
         CustomizationManager manager{Velmor::ioPath(fileName)};
         FAIL() << "no exception";
     } catch (const std::runtime_error& error) {
-        EXPECT_EQ(std::string(error.what()),
-                  QStringLiteral("Invalid product version \"1.x\" in %1")
-                      .arg(inWorkingDirectory(fileName))
-                      .toStdString());
+        EXPECT_EQ(std::string(error.what()), QStringLiteral("Invalid product version \"1.x\" in %1")
+                                                 .arg(inWorkingDirectory(fileName))
+                                                 .toStdString());
     }
 }
 
-TEST_F(CustomizationManagerTest, AFileThatIsNoIniFileThrowsNamingTheFile)
-{
+TEST_F(CustomizationManagerTest, AFileThatIsNoIniFileThrowsNamingTheFile) {
     writeFile(inWorkingDirectory(fileName), "[Customization\nProductName=Broken\n");
     try {
         CustomizationManager manager{Velmor::ioPath(fileName)};
         FAIL() << "no exception";
     } catch (const std::runtime_error& error) {
-        EXPECT_EQ(std::string(error.what()),
-                  QStringLiteral("Cannot read customization file %1")
-                      .arg(inWorkingDirectory(fileName))
-                      .toStdString());
+        EXPECT_EQ(std::string(error.what()), QStringLiteral("Cannot read customization file %1")
+                                                 .arg(inWorkingDirectory(fileName))
+                                                 .toStdString());
     }
 }
 
-TEST_F(CustomizationManagerTest, ConstructionDestructionAndEachGetterAreRecorded)
-{
+TEST_F(CustomizationManagerTest, ConstructionDestructionAndEachGetterAreRecorded) {
     {
         const CustomizationManager manager{Velmor::ioPath(fileName)};
         manager.GetProductVersion();
@@ -221,8 +201,7 @@ namespace {
 // put beside the executable without touching the build tree.
 class CustomizationBesideExecutableTest : public CustomizationManagerTest {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         CustomizationManagerTest::SetUp();
         ASSERT_TRUE(executableDirectory.isValid());
         probe = QDir(executableDirectory.path()).absoluteFilePath("customization_probe");
@@ -230,13 +209,12 @@ protected:
         ASSERT_TRUE(QFile::setPermissions(probe, QFile::permissions(CUSTOMIZATION_PROBE)));
     }
 
-    QString besideExecutable(const QString& name) const
-    {
-        return QDir(QFileInfo(executableDirectory.path()).canonicalFilePath()).absoluteFilePath(name);
+    QString besideExecutable(const QString& name) const {
+        return QDir(QFileInfo(executableDirectory.path()).canonicalFilePath())
+            .absoluteFilePath(name);
     }
 
-    QStringList runProbe(const QString& argument)
-    {
+    QStringList runProbe(const QString& argument) {
         QProcess process;
         process.setWorkingDirectory(workingDirectory.path());
         process.start(probe, {argument});
@@ -251,28 +229,25 @@ protected:
 
 } // namespace
 
-TEST_F(CustomizationBesideExecutableTest, TheFileBesideTheExecutableIsRead)
-{
-    writeFile(besideExecutable(fileName), "[Customization]\nProductVersion=3.1\nProductName=Beside\n");
-    EXPECT_EQ(runProbe(fileName),
-              (QStringList{"3.1.0.0", "Beside", besideExecutable(fileName)}));
+TEST_F(CustomizationBesideExecutableTest, TheFileBesideTheExecutableIsRead) {
+    writeFile(besideExecutable(fileName),
+              "[Customization]\nProductVersion=3.1\nProductName=Beside\n");
+    EXPECT_EQ(runProbe(fileName), (QStringList{"3.1.0.0", "Beside", besideExecutable(fileName)}));
 }
 
-TEST_F(CustomizationBesideExecutableTest, TheFileBesideTheExecutableWinsOverTheWorkingDirectory)
-{
+TEST_F(CustomizationBesideExecutableTest, TheFileBesideTheExecutableWinsOverTheWorkingDirectory) {
     writeFile(besideExecutable(fileName), "[Customization]\nProductName=Beside\n");
     writeFile(inWorkingDirectory(fileName), "[Customization]\nProductName=Working\n");
     EXPECT_EQ(runProbe(fileName).value(1), "Beside");
 }
 
-TEST_F(CustomizationBesideExecutableTest, TheWorkingDirectoryIsSearchedWhenNothingIsBesideTheExecutable)
-{
+TEST_F(CustomizationBesideExecutableTest,
+       TheWorkingDirectoryIsSearchedWhenNothingIsBesideTheExecutable) {
     writeFile(inWorkingDirectory(fileName), "[Customization]\nProductName=Working\n");
     EXPECT_EQ(runProbe(fileName),
               (QStringList{"1.0.0.0", "Working", inWorkingDirectory(fileName)}));
 }
 
-TEST_F(CustomizationBesideExecutableTest, DefaultsStandWhenNeitherPlaceHoldsTheFile)
-{
+TEST_F(CustomizationBesideExecutableTest, DefaultsStandWhenNeitherPlaceHoldsTheFile) {
     EXPECT_EQ(runProbe(fileName), (QStringList{"1.0.0.0", "ReelSmith"}));
 }

@@ -18,15 +18,13 @@ struct SlotRow {
 };
 
 // Names the row in test listings instead of dumping its bytes.
-void PrintTo(const SlotRow& row, std::ostream* out)
-{
+void PrintTo(const SlotRow& row, std::ostream* out) {
     *out << row.name;
 }
 
 class ILookAndFeelManagerSlotTest : public testing::TestWithParam<SlotRow> {};
 
-TEST_P(ILookAndFeelManagerSlotTest, OperationSitsInItsSlot)
-{
+TEST_P(ILookAndFeelManagerSlotTest, OperationSitsInItsSlot) {
     if (!EditorService::Testing::virtualSlotsAreReadable())
         GTEST_SKIP() << "virtual slots are not readable with this ABI";
     EXPECT_EQ(GetParam().slotOf(), GetParam().slot);
@@ -57,8 +55,7 @@ INSTANTIATE_TEST_SUITE_P(
         SlotRow{"GetDefaultLocale", 12,
                 [] { return virtualSlot(&ILookAndFeelManager::GetDefaultLocale); }},
         SlotRow{"ApplyLocale", 13, [] { return virtualSlot(&ILookAndFeelManager::ApplyLocale); }},
-        SlotRow{"ReloadLooks", 14,
-                [] { return virtualSlot(&ILookAndFeelManager::ReloadLooks); }}),
+        SlotRow{"ReloadLooks", 14, [] { return virtualSlot(&ILookAndFeelManager::ReloadLooks); }}),
     [](const testing::TestParamInfo<SlotRow>& info) { return info.param.name; });
 
 } // namespace

@@ -13,9 +13,7 @@ namespace {
 class FakeLookAndFeelManager : public Velmor::App::ILookAndFeelManager {
 public:
     explicit FakeLookAndFeelManager(std::string locale)
-        : locale(std::move(locale))
-    {
-    }
+        : locale(std::move(locale)) {}
 
     void Initialize() override {}
     const std::string& GetCurrentLocale() const override { return locale; }
@@ -37,8 +35,7 @@ public:
     std::string look;
 };
 
-void expectNoManager()
-{
+void expectNoManager() {
     try {
         Customization::currentLocale();
         FAIL() << "no exception";
@@ -49,14 +46,12 @@ void expectNoManager()
 
 } // namespace
 
-TEST(CustomizationTest, CurrentLocaleThrowsBeforeInit)
-{
+TEST(CustomizationTest, CurrentLocaleThrowsBeforeInit) {
     EXPECT_TRUE(Customization::lookAndFeelManager().expired());
     expectNoManager();
 }
 
-TEST(CustomizationTest, CurrentLocaleIsTheCurrentLocaleOfTheManager)
-{
+TEST(CustomizationTest, CurrentLocaleIsTheCurrentLocaleOfTheManager) {
     auto manager = std::make_shared<FakeLookAndFeelManager>("en_US");
     Customization::init(manager);
     EXPECT_EQ(Customization::currentLocale(), "en_US");
@@ -64,8 +59,7 @@ TEST(CustomizationTest, CurrentLocaleIsTheCurrentLocaleOfTheManager)
     EXPECT_EQ(Customization::currentLocale(), "de_DE");
 }
 
-TEST(CustomizationTest, CurrentLocaleComesFromTheManagerLastGiven)
-{
+TEST(CustomizationTest, CurrentLocaleComesFromTheManagerLastGiven) {
     auto first = std::make_shared<FakeLookAndFeelManager>("en_US");
     auto second = std::make_shared<FakeLookAndFeelManager>("fr_FR");
     Customization::init(first);
@@ -73,8 +67,7 @@ TEST(CustomizationTest, CurrentLocaleComesFromTheManagerLastGiven)
     EXPECT_EQ(Customization::currentLocale(), "fr_FR");
 }
 
-TEST(CustomizationTest, InitKeepsOnlyAWeakReference)
-{
+TEST(CustomizationTest, InitKeepsOnlyAWeakReference) {
     auto manager = std::make_shared<FakeLookAndFeelManager>("en_US");
     std::weak_ptr<FakeLookAndFeelManager> watcher = manager;
     Customization::init(manager);
@@ -85,8 +78,7 @@ TEST(CustomizationTest, InitKeepsOnlyAWeakReference)
     expectNoManager();
 }
 
-TEST(CustomizationTest, InitAndCurrentLocaleAreRecorded)
-{
+TEST(CustomizationTest, InitAndCurrentLocaleAreRecorded) {
     auto manager = std::make_shared<FakeLookAndFeelManager>("en_US");
     CallLog::clear();
     Customization::init(manager);

@@ -27,31 +27,27 @@ protected:
 
 } // namespace
 
-TEST_F(LauncherTest, InstanceIsNullWhenNoneIsRegistered)
-{
+TEST_F(LauncherTest, InstanceIsNullWhenNoneIsRegistered) {
     EXPECT_EQ(Launcher::instance(), nullptr);
     PlainLauncher launcher;
     EXPECT_EQ(Launcher::instance(), nullptr);
 }
 
-TEST_F(LauncherTest, RegisterInstanceMakesTheLauncherTheProcessWideOne)
-{
+TEST_F(LauncherTest, RegisterInstanceMakesTheLauncherTheProcessWideOne) {
     PlainLauncher launcher;
     PlainLauncher::registerInstance(&launcher);
     EXPECT_EQ(Launcher::instance(), &launcher);
     PlainLauncher::unregisterInstance(&launcher);
 }
 
-TEST_F(LauncherTest, UnregisterInstanceClearsTheProcessWideLauncher)
-{
+TEST_F(LauncherTest, UnregisterInstanceClearsTheProcessWideLauncher) {
     PlainLauncher launcher;
     PlainLauncher::registerInstance(&launcher);
     PlainLauncher::unregisterInstance(&launcher);
     EXPECT_EQ(Launcher::instance(), nullptr);
 }
 
-TEST_F(LauncherTest, UnregisteringAnotherLauncherLeavesTheRegisteredOne)
-{
+TEST_F(LauncherTest, UnregisteringAnotherLauncherLeavesTheRegisteredOne) {
     PlainLauncher registered;
     PlainLauncher other;
     PlainLauncher::registerInstance(&registered);
@@ -60,8 +56,7 @@ TEST_F(LauncherTest, UnregisteringAnotherLauncherLeavesTheRegisteredOne)
     PlainLauncher::unregisterInstance(&registered);
 }
 
-TEST_F(LauncherTest, RegisteringWhileAnotherIsRegisteredThrows)
-{
+TEST_F(LauncherTest, RegisteringWhileAnotherIsRegisteredThrows) {
     PlainLauncher registered;
     PlainLauncher second;
     PlainLauncher::registerInstance(&registered);
@@ -75,8 +70,7 @@ TEST_F(LauncherTest, RegisteringWhileAnotherIsRegisteredThrows)
     PlainLauncher::unregisterInstance(&registered);
 }
 
-TEST_F(LauncherTest, RegisteringNullThrows)
-{
+TEST_F(LauncherTest, RegisteringNullThrows) {
     try {
         PlainLauncher::registerInstance(nullptr);
         FAIL() << "no exception";
@@ -86,8 +80,7 @@ TEST_F(LauncherTest, RegisteringNullThrows)
     EXPECT_EQ(Launcher::instance(), nullptr);
 }
 
-TEST_F(LauncherTest, LifeAndRegistrationAreRecorded)
-{
+TEST_F(LauncherTest, LifeAndRegistrationAreRecorded) {
     {
         PlainLauncher launcher;
         PlainLauncher::registerInstance(&launcher);
@@ -98,8 +91,7 @@ TEST_F(LauncherTest, LifeAndRegistrationAreRecorded)
                                         "Launcher::unregisterInstance", "Launcher::~Launcher"}));
 }
 
-TEST_F(LauncherTest, StartUpPhasesLeaveOnlyTheirTrace)
-{
+TEST_F(LauncherTest, StartUpPhasesLeaveOnlyTheirTrace) {
     PlainLauncher launcher;
     CallLog::clear();
     launcher.initializeOpengl();
@@ -115,22 +107,19 @@ TEST_F(LauncherTest, StartUpPhasesLeaveOnlyTheirTrace)
     EXPECT_FALSE(launcher.isCoreInitialized());
 }
 
-TEST_F(LauncherTest, CoreIsNeverInitializedAndThereIsNoActionParser)
-{
+TEST_F(LauncherTest, CoreIsNeverInitializedAndThereIsNoActionParser) {
     PlainLauncher launcher;
     EXPECT_FALSE(launcher.isCoreInitialized());
     EXPECT_EQ(launcher.actionParser(), nullptr);
 }
 
-TEST_F(LauncherTest, CommandLineArgumentsAreThoseOfTheApplication)
-{
+TEST_F(LauncherTest, CommandLineArgumentsAreThoseOfTheApplication) {
     PlainLauncher launcher;
     EXPECT_EQ(launcher.commandLineArguments(), QCoreApplication::arguments());
     ASSERT_FALSE(launcher.commandLineArguments().isEmpty());
 }
 
-TEST_F(LauncherTest, WorkerNotificationsChangeNothing)
-{
+TEST_F(LauncherTest, WorkerNotificationsChangeNothing) {
     PlainLauncher launcher;
     CallLog::clear();
     int worker = 0;
@@ -152,15 +141,13 @@ struct SlotRow {
 };
 
 // Names the row in test listings instead of dumping its bytes.
-void PrintTo(const SlotRow& row, std::ostream* out)
-{
+void PrintTo(const SlotRow& row, std::ostream* out) {
     *out << row.name;
 }
 
 class LauncherSlotTest : public testing::TestWithParam<SlotRow> {};
 
-TEST_P(LauncherSlotTest, OperationSitsInItsSlot)
-{
+TEST_P(LauncherSlotTest, OperationSitsInItsSlot) {
     if (!EditorService::Testing::virtualSlotsAreReadable())
         GTEST_SKIP() << "virtual slots are not readable with this ABI";
     EXPECT_EQ(GetParam().slotOf(), GetParam().slot);

@@ -9,9 +9,7 @@ namespace EditorService::Testing {
 // the Itanium C++ ABI lays it out (the table's byte offset plus one). A virtual destructor
 // declared first takes slots 0 and 1, so the operation declared after it sits in slot 2.
 // Returns -1 for an operation that is not virtual, and where the ABI is another one.
-template <class Member>
-long virtualSlot(Member member)
-{
+template <class Member> long virtualSlot(Member member) {
 #if defined(__GNUC__) && !defined(_WIN32) && !defined(__arm__) && !defined(__aarch64__)
     static_assert(sizeof(Member) == 2 * sizeof(std::uintptr_t), "an Itanium member pointer");
     std::uintptr_t raw[2];
@@ -25,8 +23,7 @@ long virtualSlot(Member member)
 #endif
 }
 
-constexpr bool virtualSlotsAreReadable()
-{
+constexpr bool virtualSlotsAreReadable() {
 #if defined(__GNUC__) && !defined(_WIN32) && !defined(__arm__) && !defined(__aarch64__)
     return true;
 #else

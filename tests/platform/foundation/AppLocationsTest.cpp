@@ -13,8 +13,7 @@ namespace {
 
 class AppLocationsTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         QCoreApplication::setOrganizationName("Velmor");
         QCoreApplication::setApplicationName("ReelSmith");
         CallLog::clear();
@@ -23,21 +22,19 @@ protected:
 
 } // namespace
 
-TEST_F(AppLocationsTest, GetLocationsGivesOneProcessWideObject)
-{
+TEST_F(AppLocationsTest, GetLocationsGivesOneProcessWideObject) {
     EXPECT_EQ(&AppLocations::GetLocations(), &AppLocations::GetLocations());
 }
 
-TEST_F(AppLocationsTest, SettingsLocationIsTheApplicationsConfigurationDirectory)
-{
+TEST_F(AppLocationsTest, SettingsLocationIsTheApplicationsConfigurationDirectory) {
     const auto location = AppLocations::GetLocations().GetSettingsLocation();
     EXPECT_EQ(location,
               Velmor::ioPath(QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)));
-    EXPECT_TRUE(location.ToQString().endsWith("/Velmor/ReelSmith")) << location.ToQString().toStdString();
+    EXPECT_TRUE(location.ToQString().endsWith("/Velmor/ReelSmith"))
+        << location.ToQString().toStdString();
 }
 
-TEST_F(AppLocationsTest, FontsLocationIsFontsInTheApplicationsDataDirectory)
-{
+TEST_F(AppLocationsTest, FontsLocationIsFontsInTheApplicationsDataDirectory) {
     const auto location = AppLocations::GetLocations().GetFontsLocation();
     EXPECT_EQ(location,
               Velmor::ioPath(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)
@@ -46,8 +43,7 @@ TEST_F(AppLocationsTest, FontsLocationIsFontsInTheApplicationsDataDirectory)
         << location.ToQString().toStdString();
 }
 
-TEST_F(AppLocationsTest, LocationsFollowTheIdentityTheApplicationHasWhenAsked)
-{
+TEST_F(AppLocationsTest, LocationsFollowTheIdentityTheApplicationHasWhenAsked) {
     QCoreApplication::setApplicationName("ReelSmith Pro");
     EXPECT_TRUE(AppLocations::GetLocations().GetSettingsLocation().ToQString().endsWith(
         "/Velmor/ReelSmith Pro"));
@@ -55,8 +51,7 @@ TEST_F(AppLocationsTest, LocationsFollowTheIdentityTheApplicationHasWhenAsked)
         "/Velmor/ReelSmith Pro/fonts"));
 }
 
-TEST_F(AppLocationsTest, EachLocationOperationIsRecorded)
-{
+TEST_F(AppLocationsTest, EachLocationOperationIsRecorded) {
     AppLocations::GetLocations().GetSettingsLocation();
     AppLocations::GetLocations().GetFontsLocation();
     EXPECT_EQ(CallLog::entries(), (std::vector<std::string>{"AppLocations::GetSettingsLocation",

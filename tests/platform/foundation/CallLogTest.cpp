@@ -5,8 +5,7 @@
 
 using Velmor::Testing::CallLog;
 
-TEST(CallLogTest, KeepsEntriesInTheOrderTheyWereRecorded)
-{
+TEST(CallLogTest, KeepsEntriesInTheOrderTheyWereRecorded) {
     CallLog::clear();
     CallLog::record("CoreManager::Initialize");
     CallLog::record("CoreManager::WaitUntilInitialized");
@@ -14,30 +13,27 @@ TEST(CallLogTest, KeepsEntriesInTheOrderTheyWereRecorded)
                                                             "CoreManager::WaitUntilInitialized"}));
 }
 
-TEST(CallLogTest, ClearRemovesEveryEntry)
-{
+TEST(CallLogTest, ClearRemovesEveryEntry) {
     CallLog::record("CoreManager::Initialize");
     CallLog::clear();
     EXPECT_TRUE(CallLog::entries().empty());
 }
 
-TEST(CallLogTest, ObserverSeesEachEntryOnceItIsInTheLog)
-{
+TEST(CallLogTest, ObserverSeesEachEntryOnceItIsInTheLog) {
     CallLog::clear();
     std::vector<std::pair<std::string, std::size_t>> seen;
-    CallLog::setObserver([&seen](const std::string& entry) {
-        seen.emplace_back(entry, CallLog::entries().size());
-    });
+    CallLog::setObserver(
+        [&seen](const std::string& entry) { seen.emplace_back(entry, CallLog::entries().size()); });
     CallLog::record("first");
     CallLog::record("second");
     CallLog::setObserver({});
     CallLog::record("third");
-    EXPECT_EQ(seen, (std::vector<std::pair<std::string, std::size_t>>{{"first", 1}, {"second", 2}}));
+    EXPECT_EQ(seen,
+              (std::vector<std::pair<std::string, std::size_t>>{{"first", 1}, {"second", 2}}));
     EXPECT_EQ(CallLog::entries().size(), 3u);
 }
 
-TEST(CallLogTest, KeepsEveryEntryRecordedFromManyThreads)
-{
+TEST(CallLogTest, KeepsEveryEntryRecordedFromManyThreads) {
     CallLog::clear();
     std::vector<std::thread> threads;
     for (int thread = 0; thread < 4; ++thread)

@@ -15,15 +15,13 @@ struct ValidRow {
 };
 
 // Names the row in test listings instead of dumping its bytes.
-void PrintTo(const ValidRow& row, std::ostream* out)
-{
+void PrintTo(const ValidRow& row, std::ostream* out) {
     *out << row.name;
 }
 
 class VersionValidTextTest : public testing::TestWithParam<ValidRow> {};
 
-TEST_P(VersionValidTextTest, ReadsEveryPartGiven)
-{
+TEST_P(VersionValidTextTest, ReadsEveryPartGiven) {
     EXPECT_EQ(Version::FromString(GetParam().text), GetParam().expected);
 }
 
@@ -42,15 +40,13 @@ struct InvalidRow {
 };
 
 // Names the row in test listings instead of dumping its bytes.
-void PrintTo(const InvalidRow& row, std::ostream* out)
-{
+void PrintTo(const InvalidRow& row, std::ostream* out) {
     *out << row.name;
 }
 
 class VersionInvalidTextTest : public testing::TestWithParam<InvalidRow> {};
 
-TEST_P(VersionInvalidTextTest, ThrowsQuotingTheText)
-{
+TEST_P(VersionInvalidTextTest, ThrowsQuotingTheText) {
     try {
         Version::FromString(GetParam().text);
         FAIL() << "no exception";
@@ -70,8 +66,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 } // namespace
 
-TEST(VersionTest, DiffersWhenAnyPartDiffers)
-{
+TEST(VersionTest, DiffersWhenAnyPartDiffers) {
     EXPECT_EQ((Version{1, 2, 3, 4}), (Version{1, 2, 3, 4}));
     EXPECT_NE((Version{1, 2, 3, 4}), (Version{1, 2, 3, 5}));
     EXPECT_NE((Version{1, 2, 3, 4}), (Version{0, 2, 3, 4}));

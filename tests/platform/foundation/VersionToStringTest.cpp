@@ -20,15 +20,13 @@ struct Row {
 };
 
 // Names the row in test listings instead of dumping its bytes.
-void PrintTo(const Row& row, std::ostream* out)
-{
+void PrintTo(const Row& row, std::ostream* out) {
     *out << row.name;
 }
 
 class VersionToStringDetailTest : public testing::TestWithParam<Row> {};
 
-TEST_P(VersionToStringDetailTest, WritesThePartsTheDetailAsksFor)
-{
+TEST_P(VersionToStringDetailTest, WritesThePartsTheDetailAsksFor) {
     const Version version{1, 4, 2, 118};
     EXPECT_EQ(VersionToString(version, GetParam().detail, GetParam().separator),
               GetParam().expected);
@@ -47,15 +45,13 @@ INSTANTIATE_TEST_SUITE_P(
 
 } // namespace
 
-TEST(VersionToStringTest, DetailZeroIsMajorMinorPatch)
-{
+TEST(VersionToStringTest, DetailZeroIsMajorMinorPatch) {
     static_assert(static_cast<int>(VersionToStringDetail::MajorMinorPatch) == 0);
     EXPECT_EQ(VersionToString(Version{1, 0, 0, 0}, static_cast<VersionToStringDetail>(0), "."),
               "1.0.0");
 }
 
-TEST(VersionToStringTest, ThrowsForAnUnknownDetail)
-{
+TEST(VersionToStringTest, ThrowsForAnUnknownDetail) {
     try {
         VersionToString(Version{1, 0, 0, 0}, static_cast<VersionToStringDetail>(7), ".");
         FAIL() << "no exception";
@@ -64,8 +60,7 @@ TEST(VersionToStringTest, ThrowsForAnUnknownDetail)
     }
 }
 
-TEST(VersionToStringTest, IsRecorded)
-{
+TEST(VersionToStringTest, IsRecorded) {
     Velmor::Testing::CallLog::clear();
     VersionToString(Version{1, 0, 0, 0}, VersionToStringDetail::MajorMinorPatch, ".");
     EXPECT_EQ(Velmor::Testing::CallLog::entries(),

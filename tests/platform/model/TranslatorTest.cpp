@@ -8,13 +8,11 @@
 
 using Velmor::Testing::CallLog;
 
-TEST(TranslatorTest, CurrentLocaleIsEmptyBeforeTheFirstIsSet)
-{
+TEST(TranslatorTest, CurrentLocaleIsEmptyBeforeTheFirstIsSet) {
     EXPECT_EQ(Translator::currentLocale(), "");
 }
 
-TEST(TranslatorTest, SetCurrentLocaleMakesItCurrentAndTheDefaultQLocale)
-{
+TEST(TranslatorTest, SetCurrentLocaleMakesItCurrentAndTheDefaultQLocale) {
     Translator::setCurrentLocale("de_DE");
     EXPECT_EQ(Translator::currentLocale(), "de_DE");
     EXPECT_EQ(QLocale().name(), "de_DE");
@@ -23,15 +21,13 @@ TEST(TranslatorTest, SetCurrentLocaleMakesItCurrentAndTheDefaultQLocale)
     EXPECT_EQ(QLocale().name(), "en_US");
 }
 
-TEST(TranslatorTest, TheCLocaleIsALocale)
-{
+TEST(TranslatorTest, TheCLocaleIsALocale) {
     Translator::setCurrentLocale("C");
     EXPECT_EQ(Translator::currentLocale(), "C");
     EXPECT_EQ(QLocale(), QLocale::c());
 }
 
-TEST(TranslatorTest, AnUnknownLocaleThrowsAndLeavesTheCurrentOne)
-{
+TEST(TranslatorTest, AnUnknownLocaleThrowsAndLeavesTheCurrentOne) {
     Translator::setCurrentLocale("en_US");
     try {
         Translator::setCurrentLocale("klingon");
@@ -43,8 +39,7 @@ TEST(TranslatorTest, AnUnknownLocaleThrowsAndLeavesTheCurrentOne)
     EXPECT_EQ(QLocale().name(), "en_US");
 }
 
-TEST(TranslatorTest, SetCurrentLocaleIsRecordedWithTheLocale)
-{
+TEST(TranslatorTest, SetCurrentLocaleIsRecordedWithTheLocale) {
     CallLog::clear();
     Translator::setCurrentLocale("en_US");
     Translator::currentLocale();

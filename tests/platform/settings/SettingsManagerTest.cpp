@@ -18,8 +18,7 @@ namespace {
 // Keeps the user's own settings out of reach: the stores of a test live in a directory of its own.
 class SettingsManagerTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         ASSERT_TRUE(userDirectory.isValid());
         QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, userDirectory.path());
         CallLog::clear();
@@ -30,28 +29,24 @@ protected:
 
 } // namespace
 
-TEST_F(SettingsManagerTest, KeepsItsIdAndOrganization)
-{
+TEST_F(SettingsManagerTest, KeepsItsIdAndOrganization) {
     const SettingsManager settings("ReelSmith", "Velmor");
     EXPECT_EQ(settings.GetSettingsId(), "ReelSmith");
     EXPECT_EQ(settings.GetOrganization(), "Velmor");
 }
 
-TEST_F(SettingsManagerTest, FileIsNamedAfterTheOrganizationAndTheId)
-{
+TEST_F(SettingsManagerTest, FileIsNamedAfterTheOrganizationAndTheId) {
     const SettingsManager settings("ReelSmith", "Velmor");
     EXPECT_EQ(settings.GetFileName(), QDir(userDirectory.path()).filePath("Velmor/ReelSmith.ini"));
 }
 
-TEST_F(SettingsManagerTest, GivesTheDefaultForAKeyItLacks)
-{
+TEST_F(SettingsManagerTest, GivesTheDefaultForAKeyItLacks) {
     const SettingsManager settings("ReelSmith", "Velmor");
     EXPECT_FALSE(settings.Contains("Export/LastPreset"));
     EXPECT_EQ(settings.GetValue("Export/LastPreset", "none").toString(), "none");
 }
 
-TEST_F(SettingsManagerTest, GivesBackWhatWasSetAndForgetsWhatWasRemoved)
-{
+TEST_F(SettingsManagerTest, GivesBackWhatWasSetAndForgetsWhatWasRemoved) {
     SettingsManager settings("ReelSmith", "Velmor");
     settings.SetValue("Export/LastPreset", "YouTube 1080p");
     EXPECT_TRUE(settings.Contains("Export/LastPreset"));
@@ -60,8 +55,7 @@ TEST_F(SettingsManagerTest, GivesBackWhatWasSetAndForgetsWhatWasRemoved)
     EXPECT_FALSE(settings.Contains("Export/LastPreset"));
 }
 
-TEST_F(SettingsManagerTest, SyncWritesWhatAnotherStoreOfTheSameIdReads)
-{
+TEST_F(SettingsManagerTest, SyncWritesWhatAnotherStoreOfTheSameIdReads) {
     SettingsManager writer("ReelSmith", "Velmor");
     writer.SetValue("Render/Jobs", 3);
     writer.Sync();
@@ -70,8 +64,7 @@ TEST_F(SettingsManagerTest, SyncWritesWhatAnotherStoreOfTheSameIdReads)
     EXPECT_EQ(reader.GetValue("Render/Jobs", 0).toInt(), 3);
 }
 
-TEST_F(SettingsManagerTest, StoresOfDifferentIdsAreApart)
-{
+TEST_F(SettingsManagerTest, StoresOfDifferentIdsAreApart) {
     SettingsManager application("ReelSmith", "Velmor");
     application.SetValue("Render/Jobs", 3);
     application.Sync();
@@ -79,8 +72,7 @@ TEST_F(SettingsManagerTest, StoresOfDifferentIdsAreApart)
     EXPECT_FALSE(product.Contains("Render/Jobs"));
 }
 
-TEST_F(SettingsManagerTest, SyncThrowsNamingTheFileWhenItCannotBeWritten)
-{
+TEST_F(SettingsManagerTest, SyncThrowsNamingTheFileWhenItCannotBeWritten) {
     QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, "/dev/null/settings");
     SettingsManager settings("ReelSmith", "Velmor");
     settings.SetValue("Render/Jobs", 3);
@@ -93,8 +85,7 @@ TEST_F(SettingsManagerTest, SyncThrowsNamingTheFileWhenItCannotBeWritten)
     }
 }
 
-TEST_F(SettingsManagerTest, ManyThreadsMayUseOneStore)
-{
+TEST_F(SettingsManagerTest, ManyThreadsMayUseOneStore) {
     SettingsManager settings("ReelSmith", "Velmor");
     std::vector<std::thread> threads;
     for (int thread = 0; thread < 4; ++thread)
@@ -108,8 +99,7 @@ TEST_F(SettingsManagerTest, ManyThreadsMayUseOneStore)
         EXPECT_EQ(settings.GetValue(QStringLiteral("Worker%1/Round").arg(thread), -1).toInt(), 49);
 }
 
-TEST_F(SettingsManagerTest, ConstructionAndDestructionAreRecordedWithTheId)
-{
+TEST_F(SettingsManagerTest, ConstructionAndDestructionAreRecordedWithTheId) {
     {
         SettingsManager application("ReelSmith", "Velmor");
         SettingsManager product("ReelSmithHeadless", "Velmor");

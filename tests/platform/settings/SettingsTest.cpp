@@ -18,8 +18,7 @@ namespace {
 
 class SettingsTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         ASSERT_TRUE(userDirectory.isValid());
         QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, userDirectory.path());
         customization = std::make_shared<CustomizationManager>(Velmor::ioPath("/no/such/file.ini"));
@@ -28,8 +27,7 @@ protected:
         CallLog::clear();
     }
 
-    SettingsContext fullContext() const
-    {
+    SettingsContext fullContext() const {
         SettingsContext context;
         context.customizationManager = customization;
         context.productSettings = product;
@@ -46,8 +44,7 @@ protected:
 
 } // namespace
 
-TEST_F(SettingsTest, ContextIsEmptyBeforeInit)
-{
+TEST_F(SettingsTest, ContextIsEmptyBeforeInit) {
     const auto context = Settings::context();
     EXPECT_TRUE(context.customizationManager.expired());
     EXPECT_TRUE(context.productSettings.expired());
@@ -55,8 +52,7 @@ TEST_F(SettingsTest, ContextIsEmptyBeforeInit)
     EXPECT_TRUE(context.settingsLocation.IsEmpty());
 }
 
-TEST_F(SettingsTest, KeepsWhatInitWasGiven)
-{
+TEST_F(SettingsTest, KeepsWhatInitWasGiven) {
     Settings::init(fullContext());
     const auto context = Settings::context();
     EXPECT_EQ(context.customizationManager.lock(), customization);
@@ -67,8 +63,7 @@ TEST_F(SettingsTest, KeepsWhatInitWasGiven)
     EXPECT_EQ(Settings::productSettings(), product);
 }
 
-TEST_F(SettingsTest, InitKeepsOnlyWeakReferences)
-{
+TEST_F(SettingsTest, InitKeepsOnlyWeakReferences) {
     Settings::init(fullContext());
     EXPECT_EQ(customization.use_count(), 1);
     EXPECT_EQ(application.use_count(), 1);
@@ -82,16 +77,14 @@ TEST_F(SettingsTest, InitKeepsOnlyWeakReferences)
     EXPECT_TRUE(context.applicationSettings.expired());
 }
 
-TEST_F(SettingsTest, OneStoreMayServeAsBoth)
-{
+TEST_F(SettingsTest, OneStoreMayServeAsBoth) {
     auto context = fullContext();
     context.productSettings = application;
     Settings::init(context);
     EXPECT_EQ(Settings::productSettings(), Settings::applicationSettings());
 }
 
-TEST_F(SettingsTest, ApplicationSettingsThrowWhenTheStoreIsGone)
-{
+TEST_F(SettingsTest, ApplicationSettingsThrowWhenTheStoreIsGone) {
     Settings::init(fullContext());
     application.reset();
     try {
@@ -102,8 +95,7 @@ TEST_F(SettingsTest, ApplicationSettingsThrowWhenTheStoreIsGone)
     }
 }
 
-TEST_F(SettingsTest, ProductSettingsThrowWhenTheStoreIsGone)
-{
+TEST_F(SettingsTest, ProductSettingsThrowWhenTheStoreIsGone) {
     Settings::init(fullContext());
     product.reset();
     try {
@@ -114,8 +106,7 @@ TEST_F(SettingsTest, ProductSettingsThrowWhenTheStoreIsGone)
     }
 }
 
-TEST_F(SettingsTest, ASecondInitReplacesTheContext)
-{
+TEST_F(SettingsTest, ASecondInitReplacesTheContext) {
     Settings::init(fullContext());
     auto other = std::make_shared<SettingsManager>("Other", "Velmor");
     SettingsContext context;
@@ -125,8 +116,7 @@ TEST_F(SettingsTest, ASecondInitReplacesTheContext)
     EXPECT_TRUE(Settings::context().productSettings.expired());
 }
 
-TEST_F(SettingsTest, InitIsRecorded)
-{
+TEST_F(SettingsTest, InitIsRecorded) {
     Settings::init(fullContext());
     Settings::context();
     EXPECT_EQ(CallLog::entries(), std::vector<std::string>{"Settings::init"});

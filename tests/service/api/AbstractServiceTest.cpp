@@ -16,8 +16,7 @@ struct Collected {
     bool completed = false;
 };
 
-Collected collect(const rxcpp::observable<nlohmann::json>& stream)
-{
+Collected collect(const rxcpp::observable<nlohmann::json>& stream) {
     Collected collected;
     stream.subscribe([&](const nlohmann::json& value) { collected.values.push_back(value); },
                      [&](std::exception_ptr error) { collected.error = error; },
@@ -29,23 +28,19 @@ class ServiceWithoutSerializer : public AbstractService {
 public:
     using AbstractService::run;
     rxcpp::observable<nlohmann::json>
-    run(const rxcpp::observable<std::shared_ptr<Request>>&) override
-    {
+    run(const rxcpp::observable<std::shared_ptr<Request>>&) override {
         return rxcpp::observable<>::just(nlohmann::json()).as_dynamic();
     }
 };
 
-TEST(AbstractServiceTest, RunOnArgumentListLoadsThroughTheServicesSerializer)
-{
+TEST(AbstractServiceTest, RunOnArgumentListLoadsThroughTheServicesSerializer) {
     CountingService service;
     const auto collected = collect(service.run(QStringList{"program", "3"}));
-    EXPECT_EQ(collected.values,
-              (std::vector<nlohmann::json>{{{"n", 1}}, {{"n", 2}}, {{"n", 3}}}));
+    EXPECT_EQ(collected.values, (std::vector<nlohmann::json>{{{"n", 1}}, {{"n", 2}}, {{"n", 3}}}));
     EXPECT_TRUE(collected.completed);
 }
 
-TEST(AbstractServiceTest, LoadFailureIsTheErrorOfTheStreamAndNotAThrow)
-{
+TEST(AbstractServiceTest, LoadFailureIsTheErrorOfTheStreamAndNotAThrow) {
     CountingService service;
     rxcpp::observable<nlohmann::json> stream;
     ASSERT_NO_THROW(stream = service.run(QStringList{"program", "many"}));
@@ -59,8 +54,7 @@ TEST(AbstractServiceTest, LoadFailureIsTheErrorOfTheStreamAndNotAThrow)
     EXPECT_TRUE(collected.values.empty());
 }
 
-TEST(AbstractServiceTest, RunOnOneRequestHandsAStreamOfExactlyThatRequest)
-{
+TEST(AbstractServiceTest, RunOnOneRequestHandsAStreamOfExactlyThatRequest) {
     CountingService service;
     auto request = std::make_shared<EditorService::Testing::CountRequest>();
     request->count = 2;
@@ -69,8 +63,7 @@ TEST(AbstractServiceTest, RunOnOneRequestHandsAStreamOfExactlyThatRequest)
     EXPECT_TRUE(collected.completed);
 }
 
-TEST(AbstractServiceTest, StreamSubscribedAfterTheServiceIsGoneRunsToItsEnd)
-{
+TEST(AbstractServiceTest, StreamSubscribedAfterTheServiceIsGoneRunsToItsEnd) {
     auto service = std::make_shared<CountingService>();
     const auto stream = service->run(QStringList{"program", "2"});
     std::weak_ptr<CountingService> watcher = service;
@@ -81,8 +74,7 @@ TEST(AbstractServiceTest, StreamSubscribedAfterTheServiceIsGoneRunsToItsEnd)
     EXPECT_TRUE(collected.completed);
 }
 
-TEST(AbstractServiceTest, ServiceWithoutSerializerFailsItsCommandLineRunWithError)
-{
+TEST(AbstractServiceTest, ServiceWithoutSerializerFailsItsCommandLineRunWithError) {
     ServiceWithoutSerializer service;
     try {
         service.requestSerializer();

@@ -15,8 +15,7 @@ struct CountRequest : Request {
 
 class CountSerializer : public AbstractRequestSerializer {
 public:
-    std::unique_ptr<Request> loadFromCli(const QStringList& arguments) override
-    {
+    std::unique_ptr<Request> loadFromCli(const QStringList& arguments) override {
         auto request = std::make_unique<CountRequest>();
         bool isNumber = false;
         request->count = arguments.value(1).toInt(&isNumber);
@@ -24,25 +23,21 @@ public:
             throw Error("count expected");
         return request;
     }
-    std::unique_ptr<Request> loadFromJson(const nlohmann::json& value) override
-    {
+    std::unique_ptr<Request> loadFromJson(const nlohmann::json& value) override {
         auto request = std::make_unique<CountRequest>();
         request->count = value.at("count").get<int>();
         return request;
     }
-    QStringList toCli(const Request& request) const override
-    {
+    QStringList toCli(const Request& request) const override {
         return {QStringLiteral("app-path-stub"),
                 QString::number(dynamic_cast<const CountRequest&>(request).count)};
     }
-    nlohmann::json toJson(const Request& request) const override
-    {
+    nlohmann::json toJson(const Request& request) const override {
         return {{"count", dynamic_cast<const CountRequest&>(request).count}};
     }
 };
 
-inline std::unique_ptr<AbstractRequestSerializer> CountRequest::serializer() const
-{
+inline std::unique_ptr<AbstractRequestSerializer> CountRequest::serializer() const {
     return std::make_unique<CountSerializer>();
 }
 
@@ -51,14 +46,12 @@ class CountingService : public AbstractService {
 public:
     using AbstractService::run;
 
-    std::unique_ptr<AbstractRequestSerializer> requestSerializer() const override
-    {
+    std::unique_ptr<AbstractRequestSerializer> requestSerializer() const override {
         return std::make_unique<CountSerializer>();
     }
 
     rxcpp::observable<nlohmann::json>
-    run(const rxcpp::observable<std::shared_ptr<Request>>& requests) override
-    {
+    run(const rxcpp::observable<std::shared_ptr<Request>>& requests) override {
         return requests
             .flat_map([](const std::shared_ptr<Request>& request) {
                 const int count = dynamic_cast<const CountRequest&>(*request).count;

@@ -6,16 +6,14 @@
 
 using EditorService::Testing::CountRequest;
 
-TEST(RequestTest, BaseVersionsAcceptAndDescribeNothing)
-{
+TEST(RequestTest, BaseVersionsAcceptAndDescribeNothing) {
     const CountRequest request;
     EXPECT_NO_THROW(request.validateOnLoad());
     EXPECT_TRUE(request.description().isEmpty());
     EXPECT_TRUE(request.additionalHelp().isEmpty());
 }
 
-TEST(RequestTest, SerializerIsNewOnEveryCall)
-{
+TEST(RequestTest, SerializerIsNewOnEveryCall) {
     const CountRequest request;
     EXPECT_NE(request.serializer(), request.serializer());
 }

@@ -11,8 +11,7 @@ using namespace EditorService;
 
 namespace {
 
-std::shared_ptr<ServiceLoader> makeLoader()
-{
+std::shared_ptr<ServiceLoader> makeLoader() {
     auto loader = std::make_shared<ServiceLoader>();
     const auto counting = [](std::weak_ptr<const ServiceLoader>) {
         return std::make_shared<EditorService::Testing::CountingService>();
@@ -22,8 +21,7 @@ std::shared_ptr<ServiceLoader> makeLoader()
     return loader;
 }
 
-TEST(ServiceLoaderTest, CreatesANewServiceForEveryCall)
-{
+TEST(ServiceLoaderTest, CreatesANewServiceForEveryCall) {
     const auto loader = makeLoader();
     const auto first = loader->createService(QStringLiteral("count"));
     const auto second = loader->createService(QStringLiteral("count"));
@@ -31,8 +29,7 @@ TEST(ServiceLoaderTest, CreatesANewServiceForEveryCall)
     EXPECT_NE(first, second);
 }
 
-TEST(ServiceLoaderTest, UnknownNameThrowsErrorNamingItAndTheKnownOnes)
-{
+TEST(ServiceLoaderTest, UnknownNameThrowsErrorNamingItAndTheKnownOnes) {
     const auto loader = makeLoader();
     try {
         loader->createService(QStringLiteral("nosuch"));
@@ -42,8 +39,7 @@ TEST(ServiceLoaderTest, UnknownNameThrowsErrorNamingItAndTheKnownOnes)
     }
 }
 
-TEST(ServiceLoaderTest, FactoryReceivesTheLoadersOwnWeakPointer)
-{
+TEST(ServiceLoaderTest, FactoryReceivesTheLoadersOwnWeakPointer) {
     auto loader = std::make_shared<ServiceLoader>();
     std::weak_ptr<const ServiceLoader> received;
     loader->registerService(QStringLiteral("x"), {}, [&](std::weak_ptr<const ServiceLoader> self) {
@@ -54,16 +50,14 @@ TEST(ServiceLoaderTest, FactoryReceivesTheLoadersOwnWeakPointer)
     EXPECT_EQ(received.lock(), loader);
 }
 
-TEST(ServiceLoaderTest, ListsNamesSortedWithTheirSummaries)
-{
+TEST(ServiceLoaderTest, ListsNamesSortedWithTheirSummaries) {
     const auto loader = makeLoader();
     EXPECT_EQ(loader->serviceNames(), (QStringList{"alpha", "count"}));
     EXPECT_EQ(loader->summary(QStringLiteral("count")), QStringLiteral("Counts"));
     EXPECT_TRUE(loader->summary(QStringLiteral("nosuch")).isEmpty());
 }
 
-TEST(ServiceLoaderTest, CreatesServicesFromManyThreadsAtOnce)
-{
+TEST(ServiceLoaderTest, CreatesServicesFromManyThreadsAtOnce) {
     const auto loader = makeLoader();
     std::atomic<int> created{0};
     std::atomic<int> refused{0};

@@ -20,15 +20,13 @@ struct FromCliRow {
     QStringList arguments;
 };
 
-void PrintTo(const FromCliRow& row, std::ostream* stream)
-{
+void PrintTo(const FromCliRow& row, std::ostream* stream) {
     *stream << row.name;
 }
 
 class ServiceRunRequestFromCliTest : public testing::TestWithParam<FromCliRow> {};
 
-TEST_P(ServiceRunRequestFromCliTest, SplitsServiceNameFromItsArguments)
-{
+TEST_P(ServiceRunRequestFromCliTest, SplitsServiceNameFromItsArguments) {
     const auto request = ServiceRunRequest::fromCli(GetParam().commandLine, GetParam().options);
     EXPECT_EQ(request.serviceName, GetParam().serviceName);
     EXPECT_EQ(request.arguments, GetParam().arguments);
@@ -38,20 +36,34 @@ INSTANTIATE_TEST_SUITE_P(
     Rows, ServiceRunRequestFromCliTest,
     testing::Values(
         FromCliRow{"NameOnly", {"app", "echo"}, {}, "echo", {"app"}},
-        FromCliRow{"NameAndArguments", {"app", "echo", "a", "--b=1"}, {}, "echo", {"app", "a", "--b=1"}},
-        FromCliRow{"ArgumentsKeepTheirOrderAndText", {"app", "x", "b c", "", "-z"}, {}, "x", {"app", "b c", "", "-z"}},
-        FromCliRow{"JoinedOptionBeforeName", {"app", "--timeout=5", "tick"}, hostOptions, "tick", {"app"}},
-        FromCliRow{"SeparateValueBeforeName", {"app", "--timeout", "5", "tick", "x"}, hostOptions, "tick", {"app", "x"}},
-        FromCliRow{"ShortOptionWithValue", {"app", "-t", "5", "tick"}, hostOptions, "tick", {"app"}},
+        FromCliRow{
+            "NameAndArguments", {"app", "echo", "a", "--b=1"}, {}, "echo", {"app", "a", "--b=1"}},
+        FromCliRow{"ArgumentsKeepTheirOrderAndText",
+                   {"app", "x", "b c", "", "-z"},
+                   {},
+                   "x",
+                   {"app", "b c", "", "-z"}},
+        FromCliRow{
+            "JoinedOptionBeforeName", {"app", "--timeout=5", "tick"}, hostOptions, "tick", {"app"}},
+        FromCliRow{"SeparateValueBeforeName",
+                   {"app", "--timeout", "5", "tick", "x"},
+                   hostOptions,
+                   "tick",
+                   {"app", "x"}},
+        FromCliRow{
+            "ShortOptionWithValue", {"app", "-t", "5", "tick"}, hostOptions, "tick", {"app"}},
         FromCliRow{"CompactShortOption", {"app", "-t5", "tick"}, hostOptions, "tick", {"app"}},
         FromCliRow{"FlagBeforeName", {"app", "--hot-start", "tick"}, hostOptions, "tick", {"app"}},
         FromCliRow{"UnknownOptionIsAFlag", {"app", "--verbose", "tick"}, {}, "tick", {"app"}},
         FromCliRow{"DoubleDashEndsOptions", {"app", "--", "--odd", "x"}, {}, "--odd", {"app", "x"}},
-        FromCliRow{"ValueOptionUnknownToTheListTakesNoValue", {"app", "--timeout", "5", "tick"}, {}, "5", {"app", "tick"}}),
+        FromCliRow{"ValueOptionUnknownToTheListTakesNoValue",
+                   {"app", "--timeout", "5", "tick"},
+                   {},
+                   "5",
+                   {"app", "tick"}}),
     [](const testing::TestParamInfo<FromCliRow>& info) { return std::string(info.param.name); });
 
-TEST(ServiceRunRequestTest, NoServiceNameThrowsError)
-{
+TEST(ServiceRunRequestTest, NoServiceNameThrowsError) {
     for (const QStringList& commandLine :
          {QStringList{}, QStringList{"app"}, QStringList{"app", "--x"}, QStringList{"app", "--"},
           QStringList{"app", "--timeout", "5"}}) {
@@ -64,8 +76,7 @@ TEST(ServiceRunRequestTest, NoServiceNameThrowsError)
     }
 }
 
-TEST(ServiceRunRequestTest, CopiesAndMovesKeepTheFields)
-{
+TEST(ServiceRunRequestTest, CopiesAndMovesKeepTheFields) {
     ServiceRunRequest request(QStringLiteral("echo"), {"app", "x"});
     ServiceRunRequest copy(request);
     ServiceRunRequest moved(std::move(request));
@@ -73,8 +84,7 @@ TEST(ServiceRunRequestTest, CopiesAndMovesKeepTheFields)
     EXPECT_EQ(moved.arguments, (QStringList{"app", "x"}));
 }
 
-TEST(ServiceRunRequestTest, SerializerRoundTripsCommandLineAndJson)
-{
+TEST(ServiceRunRequestTest, SerializerRoundTripsCommandLineAndJson) {
     const ServiceRunRequest request(QStringLiteral("echo"), {"app", "a b", "--c=1"});
     const auto serializer = request.serializer();
     const QStringList commandLine = serializer->toCli(request);
@@ -90,8 +100,7 @@ TEST(ServiceRunRequestTest, SerializerRoundTripsCommandLineAndJson)
     EXPECT_EQ(dynamic_cast<const ServiceRunRequest&>(*fromJson).arguments, request.arguments);
 }
 
-TEST(ServiceRunRequestTest, SerializerRefusesForeignRequestAndStaysUsable)
-{
+TEST(ServiceRunRequestTest, SerializerRefusesForeignRequestAndStaysUsable) {
     struct Foreign : Request {
         std::unique_ptr<AbstractRequestSerializer> serializer() const override { return {}; }
     };
@@ -102,10 +111,10 @@ TEST(ServiceRunRequestTest, SerializerRefusesForeignRequestAndStaysUsable)
     EXPECT_EQ(serializer->toCli(request), (QStringList{"app", "echo"}));
 }
 
-TEST(ServiceRunRequestTest, JsonWithoutAKeyRaisesAJsonException)
-{
+TEST(ServiceRunRequestTest, JsonWithoutAKeyRaisesAJsonException) {
     ServiceRunRequest::Serializer serializer;
-    EXPECT_THROW(serializer.loadFromJson(nlohmann::json{{"service", "x"}}), nlohmann::json::exception);
+    EXPECT_THROW(serializer.loadFromJson(nlohmann::json{{"service", "x"}}),
+                 nlohmann::json::exception);
 }
 
 } // namespace

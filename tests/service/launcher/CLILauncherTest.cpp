@@ -18,8 +18,8 @@
 #include <QTemporaryDir>
 #include <functional>
 #include <gtest/gtest.h>
-#include <ostream>
 #include <map>
+#include <ostream>
 #include <stdexcept>
 #include <thread>
 
@@ -51,8 +51,7 @@ const std::vector<std::string> constructionWithOneStore{
 const QByteArray customizationWithProductStore = "[Customization]\n"
                                                  "ProductSettingsId=ReelSmithHeadless\n";
 
-void writeFile(const QString& path, const QByteArray& contents)
-{
+void writeFile(const QString& path, const QByteArray& contents) {
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate)) << path.toStdString();
     file.write(contents);
@@ -69,8 +68,7 @@ public:
 // keeps the settings stores out of the user's directories.
 class CLILauncherTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         ASSERT_TRUE(workingDirectory.isValid());
         ASSERT_TRUE(userDirectory.isValid());
         QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, userDirectory.path());
@@ -79,19 +77,16 @@ protected:
         CallLog::clear();
     }
 
-    void TearDown() override
-    {
+    void TearDown() override {
         CallLog::setObserver({});
         QDir::setCurrent(previousDirectory);
     }
 
-    void writeCustomization(const QByteArray& contents)
-    {
+    void writeCustomization(const QByteArray& contents) {
         writeFile(QDir::current().absoluteFilePath(customizationFile), contents);
     }
 
-    static std::vector<std::string> entriesFrom(const std::string& first)
-    {
+    static std::vector<std::string> entriesFrom(const std::string& first) {
         const auto entries = CallLog::entries();
         const auto start = std::find(entries.begin(), entries.end(), first);
         return {start, entries.end()};
@@ -102,8 +97,7 @@ protected:
     QString previousDirectory;
 };
 
-void expectAllWeakReferencesExpired()
-{
+void expectAllWeakReferencesExpired() {
     const auto context = Settings::context();
     EXPECT_TRUE(context.customizationManager.expired());
     EXPECT_TRUE(context.productSettings.expired());
@@ -113,26 +107,22 @@ void expectAllWeakReferencesExpired()
 
 } // namespace
 
-TEST_F(CLILauncherTest, InstanceIsNullBeforeAnyLauncherIsBuilt)
-{
+TEST_F(CLILauncherTest, InstanceIsNullBeforeAnyLauncherIsBuilt) {
     EXPECT_EQ(CLILauncher::instance(), nullptr);
 }
 
-TEST_F(CLILauncherTest, InstanceIsTheLauncherOnceBuilt)
-{
+TEST_F(CLILauncherTest, InstanceIsTheLauncherOnceBuilt) {
     const CLILauncher launcher;
     EXPECT_EQ(CLILauncher::instance(), &launcher);
     EXPECT_EQ(Launcher::instance(), &launcher);
 }
 
-TEST_F(CLILauncherTest, ConstructionRunsItsStepsInOrder)
-{
+TEST_F(CLILauncherTest, ConstructionRunsItsStepsInOrder) {
     const CLILauncher launcher;
     EXPECT_EQ(CallLog::entries(), constructionWithOneStore);
 }
 
-TEST_F(CLILauncherTest, ConstructionMakesTheProductStoreAfterReadingItsId)
-{
+TEST_F(CLILauncherTest, ConstructionMakesTheProductStoreAfterReadingItsId) {
     writeCustomization(customizationWithProductStore);
     const CLILauncher launcher;
     auto expected = constructionWithOneStore;
@@ -142,8 +132,7 @@ TEST_F(CLILauncherTest, ConstructionMakesTheProductStoreAfterReadingItsId)
     EXPECT_EQ(CallLog::entries(), expected);
 }
 
-TEST_F(CLILauncherTest, EachStepFindsTheStepsBeforeItDone)
-{
+TEST_F(CLILauncherTest, EachStepFindsTheStepsBeforeItDone) {
     QCoreApplication::setApplicationVersion("0.0");
     QCoreApplication::setOrganizationName("Before");
     QCoreApplication::setApplicationName("Before");
@@ -180,16 +169,14 @@ TEST_F(CLILauncherTest, EachStepFindsTheStepsBeforeItDone)
     EXPECT_EQ(CLILauncher::instance(), &launcher);
 }
 
-TEST_F(CLILauncherTest, GivesTheProcessTheDefaultIdentity)
-{
+TEST_F(CLILauncherTest, GivesTheProcessTheDefaultIdentity) {
     const CLILauncher launcher;
     EXPECT_EQ(QCoreApplication::applicationVersion(), "1.0.0");
     EXPECT_EQ(QCoreApplication::organizationName(), "Velmor");
     EXPECT_EQ(QCoreApplication::applicationName(), "ReelSmith");
 }
 
-TEST_F(CLILauncherTest, GivesTheProcessTheIdentityOfTheCustomizationFile)
-{
+TEST_F(CLILauncherTest, GivesTheProcessTheIdentityOfTheCustomizationFile) {
     writeCustomization("[Customization]\n"
                        "ProductVersion=2.5.1.77\n"
                        "OrganizationName=Acme Studios\n"
@@ -202,8 +189,7 @@ TEST_F(CLILauncherTest, GivesTheProcessTheIdentityOfTheCustomizationFile)
     EXPECT_EQ(QCoreApplication::applicationName(), "ReelSmith Pro");
 }
 
-TEST_F(CLILauncherTest, SettingsStoresBelongToVelmorWhateverTheOrganization)
-{
+TEST_F(CLILauncherTest, SettingsStoresBelongToVelmorWhateverTheOrganization) {
     writeCustomization("[Customization]\n"
                        "OrganizationName=Acme Studios\n"
                        "ApplicationSettingsId=AcmeCut\n"
@@ -220,8 +206,7 @@ TEST_F(CLILauncherTest, SettingsStoresBelongToVelmorWhateverTheOrganization)
     EXPECT_EQ(product->GetOrganization(), "Velmor");
 }
 
-TEST_F(CLILauncherTest, AnEmptyProductSettingsIdMakesOneStoreServeBoth)
-{
+TEST_F(CLILauncherTest, AnEmptyProductSettingsIdMakesOneStoreServeBoth) {
     const CLILauncher launcher;
     const auto context = Settings::context();
     ASSERT_FALSE(context.applicationSettings.expired());
@@ -230,8 +215,7 @@ TEST_F(CLILauncherTest, AnEmptyProductSettingsIdMakesOneStoreServeBoth)
     EXPECT_EQ(context.applicationSettings.use_count(), 2);
 }
 
-TEST_F(CLILauncherTest, TheSharedStoreDiesWhenTheSecondFieldIsReleased)
-{
+TEST_F(CLILauncherTest, TheSharedStoreDiesWhenTheSecondFieldIsReleased) {
     auto launcher = std::make_unique<CLILauncher>();
     CallLog::clear();
     launcher.reset();
@@ -243,8 +227,7 @@ TEST_F(CLILauncherTest, TheSharedStoreDiesWhenTheSecondFieldIsReleased)
     EXPECT_TRUE(Settings::context().productSettings.expired());
 }
 
-TEST_F(CLILauncherTest, ANonEmptyProductSettingsIdMakesASecondStore)
-{
+TEST_F(CLILauncherTest, ANonEmptyProductSettingsIdMakesASecondStore) {
     writeCustomization(customizationWithProductStore);
     const CLILauncher launcher;
     const auto context = Settings::context();
@@ -255,8 +238,7 @@ TEST_F(CLILauncherTest, ANonEmptyProductSettingsIdMakesASecondStore)
     EXPECT_EQ(context.applicationSettings.use_count(), 1);
 }
 
-TEST_F(CLILauncherTest, DestructionRunsItsStepsInOrder)
-{
+TEST_F(CLILauncherTest, DestructionRunsItsStepsInOrder) {
     writeCustomization(customizationWithProductStore);
     auto launcher = std::make_unique<CLILauncher>();
     struct Moment {
@@ -289,8 +271,7 @@ TEST_F(CLILauncherTest, DestructionRunsItsStepsInOrder)
     EXPECT_FALSE(moments[4].second.customizationAlive);
 }
 
-TEST_F(CLILauncherTest, InstanceIsNullOnceTheDestructorHasRunItsFirstStep)
-{
+TEST_F(CLILauncherTest, InstanceIsNullOnceTheDestructorHasRunItsFirstStep) {
     auto launcher = std::make_unique<CLILauncher>();
     std::vector<std::pair<std::string, CLILauncher*>> seen;
     std::vector<Launcher*> registered;
@@ -309,8 +290,7 @@ TEST_F(CLILauncherTest, InstanceIsNullOnceTheDestructorHasRunItsFirstStep)
     EXPECT_EQ(CLILauncher::instance(), nullptr);
 }
 
-TEST_F(CLILauncherTest, WeakReferencesHandedOutDieWithTheLauncher)
-{
+TEST_F(CLILauncherTest, WeakReferencesHandedOutDieWithTheLauncher) {
     writeCustomization(customizationWithProductStore);
     auto launcher = std::make_unique<CLILauncher>();
     const auto context = Settings::context();
@@ -322,30 +302,26 @@ TEST_F(CLILauncherTest, WeakReferencesHandedOutDieWithTheLauncher)
     expectAllWeakReferencesExpired();
 }
 
-TEST_F(CLILauncherTest, SettingsLocationIsTheSettingsLocationOfTheNewIdentity)
-{
+TEST_F(CLILauncherTest, SettingsLocationIsTheSettingsLocationOfTheNewIdentity) {
     const CLILauncher launcher;
     EXPECT_EQ(Settings::context().settingsLocation,
               Velmor::ioPath(QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)));
     EXPECT_TRUE(Settings::context().settingsLocation.ToQString().endsWith("/Velmor/ReelSmith"));
 }
 
-TEST_F(CLILauncherTest, TheTranslatorSpeaksTheLocaleOfTheLookAndFeel)
-{
+TEST_F(CLILauncherTest, TheTranslatorSpeaksTheLocaleOfTheLookAndFeel) {
     const CLILauncher launcher;
     EXPECT_EQ(Customization::currentLocale(), "en_US");
     EXPECT_EQ(Translator::currentLocale(), "en_US");
 }
 
-TEST_F(CLILauncherTest, InstanceIsNullWhileAnotherKindOfLauncherIsRegistered)
-{
+TEST_F(CLILauncherTest, InstanceIsNullWhileAnotherKindOfLauncherIsRegistered) {
     const OtherLauncher other;
     EXPECT_EQ(Launcher::instance(), &other);
     EXPECT_EQ(CLILauncher::instance(), nullptr);
 }
 
-TEST_F(CLILauncherTest, AMalformedCustomizationFileFailsConstructionWithNothingRegistered)
-{
+TEST_F(CLILauncherTest, AMalformedCustomizationFileFailsConstructionWithNothingRegistered) {
     writeCustomization("[Customization]\nProductVersion=1.x\n");
     QCoreApplication::setApplicationVersion("0.0");
     try {
@@ -366,8 +342,7 @@ TEST_F(CLILauncherTest, AMalformedCustomizationFileFailsConstructionWithNothingR
                                         "Launcher::~Launcher"}));
 }
 
-TEST_F(CLILauncherTest, ALaterFailureReleasesWhatWasBuiltInReverseOrder)
-{
+TEST_F(CLILauncherTest, ALaterFailureReleasesWhatWasBuiltInReverseOrder) {
     writeCustomization(customizationWithProductStore);
     const OtherLauncher other;
     CallLog::clear();
@@ -388,8 +363,7 @@ TEST_F(CLILauncherTest, ALaterFailureReleasesWhatWasBuiltInReverseOrder)
     expectAllWeakReferencesExpired();
 }
 
-TEST_F(CLILauncherTest, ALauncherCanBeBuiltAfterAFailedOne)
-{
+TEST_F(CLILauncherTest, ALauncherCanBeBuiltAfterAFailedOne) {
     writeCustomization("[Customization]\nProductVersion=1.x\n");
     EXPECT_THROW(CLILauncher(), std::runtime_error);
     ASSERT_TRUE(QFile::remove(QDir::current().absoluteFilePath(customizationFile)));
@@ -397,8 +371,7 @@ TEST_F(CLILauncherTest, ALauncherCanBeBuiltAfterAFailedOne)
     EXPECT_EQ(CLILauncher::instance(), &launcher);
 }
 
-TEST_F(CLILauncherTest, CoreIsNeverInitializedAndThereIsNoActionParserAtAnyMoment)
-{
+TEST_F(CLILauncherTest, CoreIsNeverInitializedAndThereIsNoActionParserAtAnyMoment) {
     auto launcher = std::make_unique<CLILauncher>();
     EXPECT_FALSE(launcher->isCoreInitialized());
     EXPECT_EQ(launcher->actionParser(), nullptr);
@@ -425,8 +398,7 @@ TEST_F(CLILauncherTest, CoreIsNeverInitializedAndThereIsNoActionParserAtAnyMomen
     EXPECT_EQ(moments, 4);
 }
 
-TEST_F(CLILauncherTest, WorkerNotificationsWithAnyPointerChangeNothing)
-{
+TEST_F(CLILauncherTest, WorkerNotificationsWithAnyPointerChangeNothing) {
     CLILauncher launcher;
     CallLog::clear();
     int worker = 0;
@@ -445,8 +417,7 @@ TEST_F(CLILauncherTest, WorkerNotificationsWithAnyPointerChangeNothing)
     EXPECT_EQ(CLILauncher::instance(), &launcher);
 }
 
-TEST_F(CLILauncherTest, CommandLineArgumentsAreThoseOfTheLiveApplication)
-{
+TEST_F(CLILauncherTest, CommandLineArgumentsAreThoseOfTheLiveApplication) {
     const CLILauncher launcher;
     const QStringList arguments = CLILauncher::instance()->commandLineArguments();
     EXPECT_EQ(arguments, QCoreApplication::arguments());
@@ -463,23 +434,19 @@ struct SlotRow {
 };
 
 // Names the row in test listings instead of dumping its bytes.
-void PrintTo(const SlotRow& row, std::ostream* out)
-{
+void PrintTo(const SlotRow& row, std::ostream* out) {
     *out << row.name;
 }
 
 class CLILauncherSlotTest : public testing::TestWithParam<SlotRow> {};
 
-TEST_P(CLILauncherSlotTest, OperationSitsInTheSlotItHasInLauncher)
-{
+TEST_P(CLILauncherSlotTest, OperationSitsInTheSlotItHasInLauncher) {
     if (!EditorService::Testing::virtualSlotsAreReadable())
         GTEST_SKIP() << "virtual slots are not readable with this ABI";
     EXPECT_EQ(GetParam().slotOf(), GetParam().slot);
 }
 
-template <class Member>
-std::function<long()> slotOf(Member member)
-{
+template <class Member> std::function<long()> slotOf(Member member) {
     return [member] { return virtualSlot(member); };
 }
 
@@ -502,8 +469,7 @@ INSTANTIATE_TEST_SUITE_P(
 // The launcher as a host builds it: a console program of its own, with real arguments.
 class CLILauncherProcessTest : public CLILauncherTest {
 protected:
-    QStringList run(const QString& program, const QStringList& arguments)
-    {
+    QStringList run(const QString& program, const QStringList& arguments) {
         QProcess process;
         process.setWorkingDirectory(workingDirectory.path());
         auto environment = QProcessEnvironment::systemEnvironment();
@@ -518,8 +484,7 @@ protected:
 
 } // namespace
 
-TEST_F(CLILauncherProcessTest, CommandLineArgumentsAreTheProcessArgumentsUnchanged)
-{
+TEST_F(CLILauncherProcessTest, CommandLineArgumentsAreTheProcessArgumentsUnchanged) {
     const QString program = LAUNCHER_PROBE;
     EXPECT_EQ(run(program, {"script", "--jobs=2", "two words", ""}),
               (QStringList{"version=1.0.0", "organization=Velmor", "application=ReelSmith",
@@ -527,8 +492,7 @@ TEST_F(CLILauncherProcessTest, CommandLineArgumentsAreTheProcessArgumentsUnchang
                            "argument=two words", "argument="}));
 }
 
-TEST_F(CLILauncherProcessTest, TheCustomizationFileBesideTheExecutableIsRead)
-{
+TEST_F(CLILauncherProcessTest, TheCustomizationFileBesideTheExecutableIsRead) {
     QTemporaryDir executableDirectory;
     ASSERT_TRUE(executableDirectory.isValid());
     const QString program = QDir(executableDirectory.path()).absoluteFilePath("launcher_probe");
@@ -538,6 +502,6 @@ TEST_F(CLILauncherProcessTest, TheCustomizationFileBesideTheExecutableIsRead)
               "[Customization]\nProductVersion=4.2.0.9\nProductName=Beside\n");
     writeCustomization("[Customization]\nProductName=Working\n");
     const auto output = run(program, {});
-    EXPECT_EQ(output.mid(0, 3), (QStringList{"version=4.2.0", "organization=Velmor",
-                                              "application=Beside"}));
+    EXPECT_EQ(output.mid(0, 3),
+              (QStringList{"version=4.2.0", "organization=Velmor", "application=Beside"}));
 }

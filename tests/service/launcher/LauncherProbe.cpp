@@ -7,8 +7,7 @@
 
 // Prints the identity the launcher gave the process, then its command-line arguments, one a
 // line. The settings stores go to the directory named by REELSMITH_PROBE_SETTINGS.
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);
     QSettings::setPath(QSettings::IniFormat, QSettings::UserScope,
                        qEnvironmentVariable("REELSMITH_PROBE_SETTINGS"));

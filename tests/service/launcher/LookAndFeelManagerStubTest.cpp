@@ -14,8 +14,7 @@ const std::list<std::string> english{"en_US"};
 const std::list<std::string> defaultLook{"Default"};
 
 // The stub's whole observable state, compared before and after each operation.
-void expectFixedFields(const LookAndFeelManagerStub& stub)
-{
+void expectFixedFields(const LookAndFeelManagerStub& stub) {
     EXPECT_EQ(stub.GetCurrentLocale(), "en_US");
     EXPECT_EQ(stub.GetAvailableLocales(), english);
     EXPECT_EQ(stub.GetCurrentLook(), "Default");
@@ -30,30 +29,25 @@ struct BehaviourRow {
 };
 
 // Names the row in test listings instead of dumping its bytes.
-void PrintTo(const BehaviourRow& row, std::ostream* out)
-{
+void PrintTo(const BehaviourRow& row, std::ostream* out) {
     *out << row.name;
 }
 
 class LookAndFeelManagerStubOperationTest : public testing::TestWithParam<BehaviourRow> {};
 
-TEST_P(LookAndFeelManagerStubOperationTest, OperationSitsInItsSlot)
-{
+TEST_P(LookAndFeelManagerStubOperationTest, OperationSitsInItsSlot) {
     if (!EditorService::Testing::virtualSlotsAreReadable())
         GTEST_SKIP() << "virtual slots are not readable with this ABI";
     EXPECT_EQ(GetParam().slotOf(), GetParam().slot);
 }
 
-TEST_P(LookAndFeelManagerStubOperationTest, OperationBehavesAsItsKindAndChangesNoField)
-{
+TEST_P(LookAndFeelManagerStubOperationTest, OperationBehavesAsItsKindAndChangesNoField) {
     LookAndFeelManagerStub stub;
     GetParam().check(stub);
     expectFixedFields(stub);
 }
 
-template <class Member>
-std::function<long()> slotOf(Member member)
-{
+template <class Member> std::function<long()> slotOf(Member member) {
     return [member] { return virtualSlot(member); };
 }
 
@@ -68,8 +62,7 @@ INSTANTIATE_TEST_SUITE_P(
                          EXPECT_EQ(stub.GetCurrentLocale(), "en_US");
                          EXPECT_EQ(&stub.GetCurrentLocale(), &stub.GetCurrentLocale());
                      }},
-        BehaviourRow{"GetAvailableLocales", 4,
-                     slotOf(&LookAndFeelManagerStub::GetAvailableLocales),
+        BehaviourRow{"GetAvailableLocales", 4, slotOf(&LookAndFeelManagerStub::GetAvailableLocales),
                      [](LookAndFeelManagerStub& stub) {
                          EXPECT_EQ(stub.GetAvailableLocales(), english);
                          EXPECT_EQ(&stub.GetAvailableLocales(), &stub.GetAvailableLocales());
@@ -114,14 +107,12 @@ INSTANTIATE_TEST_SUITE_P(
 
 } // namespace
 
-TEST(LookAndFeelManagerStubTest, FieldsAreFixedAtConstruction)
-{
+TEST(LookAndFeelManagerStubTest, FieldsAreFixedAtConstruction) {
     const LookAndFeelManagerStub stub;
     expectFixedFields(stub);
 }
 
-TEST(LookAndFeelManagerStubTest, ChangesAskedForThroughTheInterfaceChangeNothing)
-{
+TEST(LookAndFeelManagerStubTest, ChangesAskedForThroughTheInterfaceChangeNothing) {
     LookAndFeelManagerStub stub;
     Velmor::App::ILookAndFeelManager& manager = stub;
     manager.Initialize();

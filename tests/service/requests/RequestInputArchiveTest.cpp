@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-using EditorService::makeOptionField;
+using EditorService::visitField;
 using EditorService::CLI::HelpException;
 using EditorService::CLI::RequestInputArchive;
 using EditorService::Testing::SampleRequest;
@@ -304,10 +304,8 @@ struct SharedNameRequest : EditorService::DefaultRequestImpl<SharedNameRequest> 
     int second = 0;
 
     template <class Archive> void serialize(Archive& archive, const unsigned int) {
-        // clang-format off
-        archive & makeOptionField(first, SampleRequest::limitOption());
-        archive & makeOptionField(second, SampleRequest::limitOption());
-        // clang-format on
+        visitField(archive, first, SampleRequest::limitOption());
+        visitField(archive, second, SampleRequest::limitOption());
     }
 };
 
@@ -330,10 +328,8 @@ struct Group {
     bool verbose = false;
 
     template <class Archive> void serialize(Archive& archive, const unsigned int) {
-        // clang-format off
-        archive & makeOptionField(limit, SampleRequest::limitOption());
-        archive & makeOptionField(verbose, SampleRequest::verboseOption());
-        // clang-format on
+        visitField(archive, limit, SampleRequest::limitOption());
+        visitField(archive, verbose, SampleRequest::verboseOption());
     }
 };
 

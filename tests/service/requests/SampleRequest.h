@@ -54,13 +54,11 @@ struct SampleRequest : DefaultRequestImpl<SampleRequest> {
     }
 
     template <class Archive> void serialize(Archive& archive, const unsigned int /*version*/) {
-        // clang-format off
-        archive & makeOptionField(limit, limitOption());
-        archive & makeOptionField(count, countOption());
-        archive & makeOptionField(verbose, verboseOption());
-        archive & makeOptionField(label, labelOption());
-        archive & makeOptionField(size, sizeOption());
-        // clang-format on
+        EditorService::visitField(archive, limit, limitOption());
+        EditorService::visitField(archive, count, countOption());
+        EditorService::visitField(archive, verbose, verboseOption());
+        EditorService::visitField(archive, label, labelOption());
+        EditorService::visitField(archive, size, sizeOption());
         if constexpr (Archive::is_loading::value)
             validateOnLoad();
     }
@@ -81,9 +79,7 @@ struct LimitRequest : DefaultRequestImpl<LimitRequest> {
     std::optional<int> limit;
 
     template <class Archive> void serialize(Archive& archive, const unsigned int /*version*/) {
-        // clang-format off
-        archive & makeOptionField(limit, SampleRequest::limitOption());
-        // clang-format on
+        EditorService::visitField(archive, limit, SampleRequest::limitOption());
         if constexpr (Archive::is_loading::value)
             validateOnLoad();
     }

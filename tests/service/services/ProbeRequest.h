@@ -38,7 +38,7 @@ struct ProbeRequest : Request {
     }
 
     template <class Archive> void serialize(Archive& archive, const unsigned int /*version*/) {
-        archive& makeOptionField(level, levelOption());
+        EditorService::visitField(archive, level, levelOption());
         if constexpr (Archive::is_loading::value)
             validateOnLoad();
     }

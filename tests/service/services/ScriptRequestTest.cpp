@@ -332,11 +332,15 @@ INSTANTIATE_TEST_SUITE_P(
     [](const testing::TestParamInfo<NonObjectRow>& info) { return std::string(info.param.name); });
 
 TEST(ScriptRequestTest, MissingJobsRaisesAJsonExceptionAndNoDefault) {
-    EXPECT_THROW(loadFromJson({{"path", "a.txt"}}), nlohmann::json::exception);
+    const auto error = jsonFailureOf<nlohmann::json::out_of_range>({{"path", "a.txt"}});
+    ASSERT_TRUE(error);
+    EXPECT_STREQ(error->what(), "[json.exception.out_of_range.403] key 'jobs' not found");
 }
 
 TEST(ScriptRequestTest, MissingPathRaisesAJsonExceptionAndNoDefault) {
-    EXPECT_THROW(loadFromJson({{"jobs", 2}}), nlohmann::json::exception);
+    const auto error = jsonFailureOf<nlohmann::json::out_of_range>({{"jobs", 2}});
+    ASSERT_TRUE(error);
+    EXPECT_STREQ(error->what(), "[json.exception.out_of_range.403] key 'path' not found");
 }
 
 TEST(ScriptRequestTest, EmptyObjectRaisesAJsonException) {

@@ -5,6 +5,7 @@
 #include "service/launcher/CLILauncher.h"
 #include "tests/service/services/RecordingService.h"
 #include "tests/support/EventLoop.h"
+#include "tests/support/TestScale.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -733,7 +734,7 @@ class ScriptServiceLoadTest : public ScriptServiceTest,
                               public testing::WithParamInterface<const char*> {};
 
 TEST_P(ScriptServiceLoadTest, HundredThousandCommandsDeliverEveryValueExactlyOnce) {
-    constexpr int commands = 100000;
+    constexpr int commands = EditorService::Testing::scaledForSanitizers(100000);
     QStringList lines;
     lines.reserve(commands);
     for (int command = 0; command < commands; ++command)

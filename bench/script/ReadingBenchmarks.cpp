@@ -1,0 +1,78 @@
+#include "bench/support/BenchSupport.h"
+#include "service/CLIUtils.h"
+
+#include <QFile>
+#include <QTextStream>
+#include <benchmark/benchmark.h>
+#include <glog/logging.h>
+
+// Lines per second: the command source over a script with comments, blank lines and
+// separators, against a bare QTextStream::readLine loop over the same file. The command source
+// runs with its log line written (to wherever stderr points) and filtered by glog's level.
+
+namespace {
+
+// glog's own level setting, for the length of one benchmark.
+class MinimumLogLevel {
+public:
+    explicit MinimumLogLevel(int level)
+        : previous(FLAGS_minloglevel) {
+        FLAGS_minloglevel = level;
+    }
+    ~MinimumLogLevel() { FLAGS_minloglevel = previous; }
+
+private:
+    int previous;
+};
+
+void ReadCommandScript(benchmark::State& state) {
+    const bool logged = state.range(0) != 0;
+    const long lines = state.range(1);
+    const Bench::TextFile script(Bench::mixedScriptLines(lines));
+    const MinimumLogLevel level(logged ? google::GLOG_INFO : google::GLOG_WARNING);
+    for (auto _ : state) {
+        long commands = 0;
+        bool ended = false;
+        CLIUtils::openCommandScript(script.path())
+            .subscribe([&commands](const QStringList&) { ++commands; },
+                       [&ended](std::exception_ptr) { ended = true; }, [&ended] { ended = true; });
+        Bench::spinUntil([&ended] { return ended; });
+        benchmark::DoNotOptimize(commands);
+    }
+    state.SetItemsProcessed(state.iterations() * lines);
+}
+BENCHMARK(ReadCommandScript)
+    ->ArgNames({"logged", "lines"})
+    ->ArgsProduct({{1, 0}, {1000, 1000000}})
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
+// The file opened as the command source opens it, each line read and dropped.
+void ReadLinesBare(benchmark::State& state) {
+    const long lines = state.range(0);
+    const Bench::TextFile script(Bench::mixedScriptLines(lines));
+    for (auto _ : state) {
+        QFile file(script.path());
+        file.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered);
+        QTextStream stream(&file);
+        long read = 0;
+        while (!stream.atEnd()) {
+            QString line = stream.readLine();
+            benchmark::DoNotOptimize(line);
+            ++read;
+        }
+        if (read != lines) {
+            state.SkipWithError("the loop did not read every line");
+            break;
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * lines);
+}
+BENCHMARK(ReadLinesBare)
+    ->ArgNames({"lines"})
+    ->Arg(1000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
+} // namespace
