@@ -23,29 +23,26 @@ using namespace EditorService;
 
 namespace {
 
-const QCommandLineOption& helpOption()
-{
+const QCommandLineOption& helpOption() {
     static const QCommandLineOption option(QStringList{"h", "help"},
                                            QStringLiteral("Displays help on commandline options."));
     return option;
 }
 
-const QCommandLineOption& versionOption()
-{
+const QCommandLineOption& versionOption() {
     static const QCommandLineOption option(QStringList{"v", "version"},
                                            QStringLiteral("Displays version information."));
     return option;
 }
 
-QList<QCommandLineOption> hostOptions()
-{
+QList<QCommandLineOption> hostOptions() {
     return QList<QCommandLineOption>{helpOption(), versionOption()}
            + GlobalContextProvider::options() + TimeoutProxyService::options();
 }
 
-void printError(const QString& text)
-{
-    std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+void printError(const QString& text) {
+    const QByteArray line = text.toLocal8Bit() + '\n';
+    std::fwrite(line.constData(), 1, std::size_t(line.size()), stderr);
     std::fflush(stderr);
 }
 
@@ -56,14 +53,14 @@ public:
     Private(int& argc, char** argv)
         : application(argc, argv)
         , provider(QCoreApplication::arguments())
-        , loader(std::make_shared<ServiceLoader>())
-        , output(stdout, [this] { whenOutputClosed(); })
-        , signalWatcher([this](int signal) { stop(signal == SIGINT ? ExitStatus::Interrupted
-                                                             : ExitStatus::Terminated); })
-    {
-        registerHostServices(*loader, [this](int seconds, const QString& commandLine) {
+        , loaders(makeHostLoaders([this](int seconds, const QString& commandLine) {
             reportTimeout(seconds, commandLine);
-        });
+        }))
+        , loader(loaders.front())
+        , output(stdout, [this] { whenOutputClosed(); })
+        , signalWatcher([this](int signal) {
+            stop(signal == SIGINT ? ExitStatus::Interrupted : ExitStatus::Terminated);
+        }) {
     }
 
     ~Private() { running.unsubscribe(); }
@@ -81,27 +78,29 @@ private:
     QCoreApplication application;
     CLILauncher launcher;
     GlobalContextProvider provider;
+    std::vector<std::shared_ptr<ServiceLoader>> loaders;
     std::shared_ptr<ServiceLoader> loader;
     JsonLinesWriter output;
     SignalWatcher signalWatcher;
     rxcpp::composite_subscription running;
     std::exception_ptr failure;
     int status = ExitStatus::Success;
+    bool stopping = false;
 };
 
-QString ConsoleHost::Private::helpText(QCommandLineParser& parser) const
-{
+QString ConsoleHost::Private::helpText(QCommandLineParser& parser) const {
     QString text = parser.helpText() + QStringLiteral("\nServices:\n");
     int width = 0;
     for (const QString& name : loader->serviceNames())
         width = std::max(width, int(name.size()));
     for (const QString& name : loader->serviceNames())
         text += QStringLiteral("  %1  %2\n").arg(name, -width).arg(loader->summary(name));
-    return text + QStringLiteral("\nRun \"reelsmith <service> --help\" for the options of one service.\n");
+    return text
+           + QStringLiteral(
+               "\nRun \"reelsmith <service> --help\" for the options of one service.\n");
 }
 
-int ConsoleHost::Private::exec()
-{
+int ConsoleHost::Private::exec() {
     const QStringList arguments = QCoreApplication::arguments();
     const QList<QCommandLineOption> options = hostOptions();
     std::optional<ServiceRunRequest> command;
@@ -125,7 +124,8 @@ int ConsoleHost::Private::exec()
         return ExitStatus::Success;
     }
     if (parser.isSet(versionOption())) {
-        std::printf("reelsmith %s\n", QCoreApplication::applicationVersion().toLocal8Bit().constData());
+        std::printf("reelsmith %s\n",
+                    QCoreApplication::applicationVersion().toLocal8Bit().constData());
         return ExitStatus::Success;
     }
     if (!parser.unknownOptionNames().isEmpty()) {
@@ -138,8 +138,9 @@ int ConsoleHost::Private::exec()
         return ExitStatus::Usage;
     }
     if (!loader->serviceNames().contains(command->serviceName)) {
-        printError(QStringLiteral("Unknown service \"%1\", known services: %2")
-                       .arg(command->serviceName, loader->serviceNames().join(QStringLiteral(", "))));
+        printError(
+            QStringLiteral("Unknown service \"%1\", known services: %2")
+                .arg(command->serviceName, loader->serviceNames().join(QStringLiteral(", "))));
         return ExitStatus::Usage;
     }
     // A limit before the service name applies to the service, as one behind it does.
@@ -149,8 +150,7 @@ int ConsoleHost::Private::exec()
     return runService(*command);
 }
 
-int ConsoleHost::Private::runService(const ServiceRunRequest& command)
-{
+int ConsoleHost::Private::runService(const ServiceRunRequest& command) {
     const auto values = loader->createService(command.serviceName)->run(command.arguments);
     values.subscribe(
         running, [this](const nlohmann::json& value) { output.write(value); },
@@ -175,8 +175,7 @@ int ConsoleHost::Private::runService(const ServiceRunRequest& command)
 }
 
 // Called from whichever thread ends the stream; the event loop ends on the main thread.
-void ConsoleHost::Private::finish(int exitStatus, std::exception_ptr error)
-{
+void ConsoleHost::Private::finish(int exitStatus, std::exception_ptr error) {
     QMetaObject::invokeMethod(
         &application,
         [this, exitStatus, error] {
@@ -189,22 +188,23 @@ void ConsoleHost::Private::finish(int exitStatus, std::exception_ptr error)
         Qt::QueuedConnection);
 }
 
-void ConsoleHost::Private::stop(int exitStatus)
-{
+// The first reason to stop decides the status: signals that arrive together change nothing.
+void ConsoleHost::Private::stop(int exitStatus) {
+    if (stopping)
+        return;
+    stopping = true;
     running.unsubscribe();
     status = exitStatus;
     QCoreApplication::exit(status);
 }
 
-void ConsoleHost::Private::whenOutputClosed()
-{
+void ConsoleHost::Private::whenOutputClosed() {
     QMetaObject::invokeMethod(
         &application, [this] { stop(ExitStatus::OutputClosed); }, Qt::QueuedConnection);
 }
 
 // Runs on the timer's thread and ends the process there, whatever the main thread is doing.
-void ConsoleHost::Private::reportTimeout(int seconds, const QString& commandLine)
-{
+void ConsoleHost::Private::reportTimeout(int seconds, const QString& commandLine) {
     std::fflush(stdout);
     std::fprintf(stderr, "Command timed out after %d s: %s\n", seconds,
                  commandLine.toLocal8Bit().constData());
@@ -213,13 +213,10 @@ void ConsoleHost::Private::reportTimeout(int seconds, const QString& commandLine
 }
 
 ConsoleHost::ConsoleHost(int& argc, char** argv)
-    : d(std::make_unique<Private>(argc, argv))
-{
-}
+    : d(std::make_unique<Private>(argc, argv)) {}
 
 ConsoleHost::~ConsoleHost() = default;
 
-int ConsoleHost::exec()
-{
+int ConsoleHost::exec() {
     return d->exec();
 }

@@ -7,6 +7,7 @@
 #include "host/services/PresetsService.h"
 #include "host/services/RuntimeService.h"
 #include "host/services/TickService.h"
+#include "service/api/Error.h"
 #include "service/api/ServiceLoader.h"
 #include "service/services/ScriptService.h"
 
@@ -14,33 +15,57 @@ using namespace EditorService;
 
 namespace {
 
+constexpr int maximumScriptNesting = 16;
+
+// `commands` is the loader that makes the commands of a script made here.
 template <class Service>
-void add(ServiceLoader& loader, const TimeLimitedService::Expiry& expiry, const QString& summary)
-{
+void add(ServiceLoader& loader, const TimeLimitedService::Expiry& expiry, const QString& summary,
+         std::weak_ptr<const ServiceLoader> commands = {}) {
     const QString name = Service::serviceId();
-    loader.registerService(name, summary, [name, expiry](std::weak_ptr<const ServiceLoader> self) {
+    loader.registerService(name, summary, [name, expiry, commands](std::weak_ptr<const ServiceLoader>) {
         std::shared_ptr<AbstractService> service;
-        if constexpr (std::is_constructible_v<Service, std::weak_ptr<const ServiceLoader>>)
-            service = std::make_shared<Service>(std::move(self));
-        else
+        if constexpr (std::is_constructible_v<Service, std::weak_ptr<const ServiceLoader>>) {
+            if (commands.expired()) {
+                throw Error(QStringLiteral("Scripts nest deeper than %1 levels")
+                                .arg(maximumScriptNesting)
+                                .toStdString());
+            }
+            service = std::make_shared<Service>(commands);
+        } else {
             service = std::make_shared<Service>();
+        }
         return std::make_shared<TimeLimitedService>(name, std::move(service), expiry);
     });
 }
 
-} // namespace
-
-void registerHostServices(ServiceLoader& loader, const TimeLimitedService::Expiry& expiry)
-{
-    add<EchoService>(loader, expiry, QStringLiteral("Emit the arguments it was given as one value"));
-    add<FailService>(loader, expiry, QStringLiteral("Fail with --message after --after milliseconds"));
+void registerHostServices(ServiceLoader& loader, const TimeLimitedService::Expiry& expiry,
+                          std::weak_ptr<const ServiceLoader> commands) {
+    add<EchoService>(loader, expiry,
+                     QStringLiteral("Emit the arguments it was given as one value"));
+    add<FailService>(loader, expiry,
+                     QStringLiteral("Fail with --message after --after milliseconds"));
     add<NoopService>(loader, expiry, QStringLiteral("Emit one value and complete, for measuring"));
     add<PresetService>(loader, expiry,
                        QStringLiteral("Build an export preset from --preset and its overrides"));
     add<PresetsService>(loader, expiry, QStringLiteral("Emit each available export preset"));
     add<RuntimeService>(loader, expiry,
                         QStringLiteral("Start the editor runtime's contexts named by --require"));
-    add<ScriptService>(loader, expiry, QStringLiteral("Execute commands from script"));
-    add<TickService>(loader, expiry,
-                     QStringLiteral("Emit {\"tick\": i} every --interval milliseconds, --count times"));
+    add<ScriptService>(loader, expiry, QStringLiteral("Execute commands from script"),
+                       std::move(commands));
+    add<TickService>(
+        loader, expiry,
+        QStringLiteral("Emit {\"tick\": i} every --interval milliseconds, --count times"));
+}
+
+} // namespace
+
+std::vector<std::shared_ptr<ServiceLoader>> makeHostLoaders(const TimeLimitedService::Expiry& expiry) {
+    std::vector<std::shared_ptr<ServiceLoader>> loaders(maximumScriptNesting + 1);
+    for (auto& loader : loaders)
+        loader = std::make_shared<ServiceLoader>();
+    for (std::size_t level = 0; level < loaders.size(); ++level) {
+        const auto commands = level + 1 < loaders.size() ? loaders[level + 1] : nullptr;
+        registerHostServices(*loaders[level], expiry, commands);
+    }
+    return loaders;
 }

@@ -2,11 +2,16 @@
 
 #include "host/TimeLimitedService.h"
 
+#include <memory>
+#include <vector>
+
 namespace EditorService {
 class ServiceLoader;
 }
 
-// Fills the loader with the host's services, each behind a time limit that reports an expiry
-// to `expiry`.
-void registerHostServices(EditorService::ServiceLoader& loader,
-                          const TimeLimitedService::Expiry& expiry);
+// The host's loaders, outermost first, each holding the host's services behind a time limit that
+// reports an expiry to `expiry`. The commands of a script come from the next loader, so that a
+// script that runs itself ends with Error "Scripts nest deeper than 16 levels" instead of
+// growing without bound: the last loader's script service fails.
+std::vector<std::shared_ptr<EditorService::ServiceLoader>>
+makeHostLoaders(const TimeLimitedService::Expiry& expiry);

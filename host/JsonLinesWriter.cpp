@@ -2,12 +2,9 @@
 
 JsonLinesWriter::JsonLinesWriter(std::FILE* stream, std::function<void()> closed)
     : m_stream(stream)
-    , m_closed(std::move(closed))
-{
-}
+    , m_closed(std::move(closed)) {}
 
-void JsonLinesWriter::write(const nlohmann::json& value)
-{
+void JsonLinesWriter::write(const nlohmann::json& value) {
     // Text that is no valid UTF-8 is written with replacement characters rather than lost.
     std::string line = value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
     line += '\n';
@@ -22,8 +19,7 @@ void JsonLinesWriter::write(const nlohmann::json& value)
         m_closed();
 }
 
-bool JsonLinesWriter::isClosed() const
-{
+bool JsonLinesWriter::isClosed() const {
     std::lock_guard<std::mutex> lock(m_mutex);
     return m_isClosed;
 }

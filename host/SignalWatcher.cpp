@@ -9,8 +9,7 @@ namespace {
 
 int signalPipe[2] = {-1, -1};
 
-void writeSignal(int signal)
-{
+void writeSignal(int signal) {
     const unsigned char number = static_cast<unsigned char>(signal);
     [[maybe_unused]] const auto written = ::write(signalPipe[1], &number, 1);
 }
@@ -18,28 +17,28 @@ void writeSignal(int signal)
 } // namespace
 
 SignalWatcher::SignalWatcher(std::function<void(int)> received)
-    : m_received(std::move(received))
-{
+    : m_received(std::move(received)) {
     if (::pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0)
         return;
     m_notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, this);
     connect(m_notifier, &QSocketNotifier::activated, this, &SignalWatcher::readSignal);
     struct sigaction action = {};
     action.sa_handler = writeSignal;
+    // Neither handler may interrupt the other, so the pipe holds the signals in their order.
     sigemptyset(&action.sa_mask);
+    sigaddset(&action.sa_mask, SIGINT);
+    sigaddset(&action.sa_mask, SIGTERM);
     action.sa_flags = SA_RESTART;
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 }
 
-SignalWatcher::~SignalWatcher()
-{
+SignalWatcher::~SignalWatcher() {
     std::signal(SIGINT, SIG_DFL);
     std::signal(SIGTERM, SIG_DFL);
 }
 
-void SignalWatcher::readSignal()
-{
+void SignalWatcher::readSignal() {
     unsigned char number = 0;
     while (::read(signalPipe[0], &number, 1) == 1)
         m_received(number);

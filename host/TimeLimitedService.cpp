@@ -9,8 +9,7 @@ namespace {
 
 // The command line that would run the request again: the service name, then its arguments
 // without the stand-in for the program path.
-QString commandLineOf(const QString& serviceName, const Request& request)
-{
+QString commandLineOf(const QString& serviceName, const Request& request) {
     QStringList arguments = request.serializer()->toCli(request);
     if (!arguments.isEmpty() && arguments.first() == QLatin1String("app-path-stub"))
         arguments.removeFirst();
@@ -20,22 +19,18 @@ QString commandLineOf(const QString& serviceName, const Request& request)
 
 } // namespace
 
-TimeLimitedService::TimeLimitedService(QString serviceName, std::shared_ptr<AbstractService> service,
-                                       Expiry expiry)
+TimeLimitedService::TimeLimitedService(QString serviceName,
+                                       std::shared_ptr<AbstractService> service, Expiry expiry)
     : m_serviceName(std::move(serviceName))
     , m_service(std::move(service))
-    , m_expiry(std::move(expiry))
-{
-}
+    , m_expiry(std::move(expiry)) {}
 
-std::unique_ptr<AbstractRequestSerializer> TimeLimitedService::requestSerializer() const
-{
+std::unique_ptr<AbstractRequestSerializer> TimeLimitedService::requestSerializer() const {
     return TimeoutProxyService(m_service, {}).requestSerializer();
 }
 
 rxcpp::observable<nlohmann::json>
-TimeLimitedService::run(const rxcpp::observable<std::shared_ptr<Request>>& requests)
-{
+TimeLimitedService::run(const rxcpp::observable<std::shared_ptr<Request>>& requests) {
     const auto serviceName = m_serviceName;
     const auto service = m_service;
     const auto expiry = m_expiry;
@@ -43,9 +38,10 @@ TimeLimitedService::run(const rxcpp::observable<std::shared_ptr<Request>>& reque
         .flat_map([serviceName, service, expiry](const std::shared_ptr<Request>& request) {
             const auto limited = std::dynamic_pointer_cast<TimeoutRequest>(request);
             const int seconds = limited && limited->timeout ? *limited->timeout : 0;
-            TimeoutProxyService proxy(service, [serviceName, expiry, seconds](const Request& wrapped) {
-                expiry(seconds, commandLineOf(serviceName, wrapped));
-            });
+            TimeoutProxyService proxy(service,
+                                      [serviceName, expiry, seconds](const Request& wrapped) {
+                                          expiry(seconds, commandLineOf(serviceName, wrapped));
+                                      });
             return proxy.run(request);
         })
         .as_dynamic();

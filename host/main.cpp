@@ -3,11 +3,11 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <glog/logging.h>
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     FLAGS_logtostderr = true;
     google::InitGoogleLogging(argv[0]);
     // A closed stdout shows as a failed write, which ends the host quietly.

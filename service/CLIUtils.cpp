@@ -14,8 +14,7 @@ namespace {
 // The application path for a command, fetched anew each time. A path equal to the last one
 // this thread fetched comes back as that same string, so that queued commands share one copy
 // of it instead of holding one each.
-QString applicationPath()
-{
+QString applicationPath() {
     thread_local QString last;
     QString path = CLILauncher::instance()->commandLineArguments().first();
     if (path != last)
@@ -23,31 +22,27 @@ QString applicationPath()
     return last;
 }
 
-rxcpp::observable<QStringList> commandsOf(const rxcpp::observable<QString>& lines)
-{
+rxcpp::observable<QStringList> commandsOf(const rxcpp::observable<QString>& lines) {
     return lines
-        .flat_map([](const QString& line) { return parseCommand(line); },
-                  rxcpp::util::take_at<1>(), rxcpp::identity_current_thread())
+        .flat_map([](const QString& line) { return parseCommand(line); }, rxcpp::util::take_at<1>(),
+                  rxcpp::identity_current_thread())
         .observe_on(RxApp::instance()->mainThread())
         .as_dynamic();
 }
 
 } // namespace
 
-rxcpp::observable<QStringList> openCommandScript(const QString& path)
-{
+rxcpp::observable<QStringList> openCommandScript(const QString& path) {
     return commandsOf(openFile(path));
 }
 
-rxcpp::observable<QStringList> openCommandPipe()
-{
+rxcpp::observable<QStringList> openCommandPipe() {
     const auto error = std::make_exception_ptr(
         std::runtime_error("Input from stdin is not supported on this platform yet"));
     return commandsOf(rxcpp::observable<>::error<QString>(error));
 }
 
-rxcpp::observable<QString> openFile(const QString& path)
-{
+rxcpp::observable<QString> openFile(const QString& path) {
     return rxcpp::observable<>::create<QString>([path](rxcpp::subscriber<QString> subscriber) {
                QFile file(path);
                file.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered);
@@ -69,15 +64,14 @@ rxcpp::observable<QString> openFile(const QString& path)
         .as_dynamic();
 }
 
-rxcpp::observable<QStringList> parseCommand(const QString& line)
-{
+rxcpp::observable<QStringList> parseCommand(const QString& line) {
     return rxcpp::observable<>::just(line.simplified())
         .filter([](const QString& text) { return !text.startsWith(QLatin1Char('#')); })
         .filter([](const QString& text) { return text.length() != 0; })
         .map([](const QString& text) {
             // glog builds a message, time stamp and all, before it looks at the level.
             LOG_IF(INFO, FLAGS_minloglevel <= google::GLOG_INFO)
-                << "Processing command: " << text.toUtf8().constData();
+                << "Processing command: " << text.toStdString();
             QStringList parts =
                 text.split(QStringLiteral(";"), Qt::SkipEmptyParts, Qt::CaseSensitive);
             for (QString& part : parts)

@@ -2,12 +2,15 @@
 
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>
+#include <cstdlib>
 #include <glog/logging.h>
 
-// The surroundings of the console host: a Qt core application whose event loop is the main
-// thread's, one CLILauncher for the command sources, and glog writing to stderr, which the
-// caller points at the sink it wants to measure (bench/compare: /dev/null or a file).
+// The surroundings of the console host (host/main.cpp): a Qt core application whose event loop
+// is the main thread's, one CLILauncher for the command sources, the time zone named once for
+// glog's time stamps, and glog writing to stderr, which the caller points at the sink it wants
+// to measure (bench/compare: /dev/null or a file).
 int main(int argc, char** argv) {
+    setenv("TZ", ":/etc/localtime", 0);
     FLAGS_logtostderr = true;
     google::InitGoogleLogging(argv[0]);
     QCoreApplication application(argc, argv);

@@ -37,7 +37,8 @@ public:
     }
 };
 
-// Emits `count` numbers on the subscribing thread, then completes.
+// Emits `count` values like the host's tick service, {"tick": i}, on the subscribing thread,
+// then completes.
 class BurstService : public AbstractService {
 public:
     explicit BurstService(long count)
@@ -52,7 +53,7 @@ public:
                 return rxcpp::observable<>::create<nlohmann::json>(
                     [values](rxcpp::subscriber<nlohmann::json> subscriber) {
                         for (long i = 0; i < values && subscriber.is_subscribed(); ++i)
-                            subscriber.on_next(nlohmann::json(i));
+                            subscriber.on_next(nlohmann::json{{"tick", i}});
                         subscriber.on_completed();
                     });
             })

@@ -44,8 +44,9 @@ TEST_F(ConsoleHostTest, HelpListsEveryServiceAndTheHostOptions) {
           "--render-jobs, --rj <N>", "--disable-plugin <plugin name>",
           "--cache-ttl <time in msec>"})
         EXPECT_TRUE(run.output.contains(expected)) << expected;
-    EXPECT_TRUE(QString::fromUtf8(run.output).contains(
-        QRegularExpression(QStringLiteral("\n  script +Execute commands from script\n"))));
+    EXPECT_TRUE(QString::fromUtf8(run.output)
+                    .contains(QRegularExpression(
+                        QStringLiteral("\n  script +Execute commands from script\n"))));
     EXPECT_EQ(run.errors, "");
 }
 
