@@ -97,9 +97,9 @@ BENCHMARK(StartUp)->ArgNames({"runs"})->Arg(10)->Arg(30)->Iterations(1)->Unit(
     benchmark::kMillisecond);
 
 // One `reelsmith script` of noop commands (the default --jobs=1) against `xargs -P 2 -n 1`
-// running /bin/true once per command, and GNU parallel likewise where it is installed. The host
-// runs three times around the rivals' one run each (which take a minute or more) and gives
-// its median.
+// running /bin/true once per command, and GNU parallel likewise where it is installed. Each
+// rival runs once (a minute or more on a small machine); the host runs before, between and
+// behind them, an odd number of times, and gives its median.
 void AgainstRivals(benchmark::State& state) {
     const long commands = state.range(0);
     const Bench::TextFile script(Bench::repeatedLines(commands, QStringLiteral("noop")));
@@ -131,7 +131,11 @@ void AgainstRivals(benchmark::State& state) {
             state.counters["parallel_per_second"] = rivalRates[1];
     }
 }
-BENCHMARK(AgainstRivals)->ArgNames({"commands"})->Arg(10)->Arg(10000)->Iterations(1)->Unit(
-    benchmark::kMillisecond);
+BENCHMARK(AgainstRivals)
+    ->ArgNames({"commands"})
+    ->Arg(10)
+    ->Arg(10000)
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -14,10 +14,9 @@ namespace {
 
 std::shared_ptr<ServiceLoader> noopLoader() {
     auto loader = std::make_shared<ServiceLoader>();
-    loader->registerService(NoopService::serviceId(), QStringLiteral("noop"),
-                            [](std::weak_ptr<const ServiceLoader>) {
-                                return std::make_shared<NoopService>();
-                            });
+    loader->registerService(
+        NoopService::serviceId(), QStringLiteral("noop"),
+        [](std::weak_ptr<const ServiceLoader>) { return std::make_shared<NoopService>(); });
     return loader;
 }
 

@@ -21,14 +21,12 @@ void QueuedCommandMemory(benchmark::State& state) {
     lines.prepend(QStringLiteral("tick; --count=1; --interval=100000000"));
     const Bench::TextFile script(lines);
     auto loader = std::make_shared<ServiceLoader>();
-    loader->registerService(NoopService::serviceId(), QStringLiteral("noop"),
-                            [](std::weak_ptr<const ServiceLoader>) {
-                                return std::make_shared<NoopService>();
-                            });
-    loader->registerService(TickService::serviceId(), QStringLiteral("tick"),
-                            [](std::weak_ptr<const ServiceLoader>) {
-                                return std::make_shared<TickService>();
-                            });
+    loader->registerService(
+        NoopService::serviceId(), QStringLiteral("noop"),
+        [](std::weak_ptr<const ServiceLoader>) { return std::make_shared<NoopService>(); });
+    loader->registerService(
+        TickService::serviceId(), QStringLiteral("tick"),
+        [](std::weak_ptr<const ServiceLoader>) { return std::make_shared<TickService>(); });
     const QStringList arguments{Bench::applicationPath(), QStringLiteral("--jobs=1"),
                                 script.path()};
     for (auto _ : state) {
@@ -55,8 +53,7 @@ void QueuedCommandMemory(benchmark::State& state) {
         const long peak = Bench::statusBytes("VmHWM");
         const long resident = Bench::statusBytes("VmRSS");
         state.counters["peak_bytes_per_command"] = double(peak - residentBefore) / commands;
-        state.counters["resident_bytes_per_command"] =
-            double(resident - residentBefore) / commands;
+        state.counters["resident_bytes_per_command"] = double(resident - residentBefore) / commands;
         running.unsubscribe();
         state.ResumeTiming();
         if (failed) {

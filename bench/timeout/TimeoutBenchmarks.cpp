@@ -130,7 +130,8 @@ void ProxyExpiryLateness(benchmark::State& state) {
         startSpaced(chains, log, [&](int i) {
             log.armedAt[i] = Clock::now();
             proxy.run(std::shared_ptr<Request>(requests[i]))
-                .subscribe([](const nlohmann::json&) {}, [&log](std::exception_ptr) { ++log.failed; });
+                .subscribe([](const nlohmann::json&) {},
+                           [&log](std::exception_ptr) { ++log.failed; });
         });
         if (log.fired != chains) {
             state.SkipWithError("not every limit called back once");
@@ -174,7 +175,8 @@ void TimerExpiryLateness(benchmark::State& state) {
                         }
                     })
                 .observe_on(RxApp::instance()->mainThread())
-                .subscribe([](const nlohmann::json&) {}, [&log](std::exception_ptr) { ++log.failed; });
+                .subscribe([](const nlohmann::json&) {},
+                           [&log](std::exception_ptr) { ++log.failed; });
         });
         if (log.fired != chains) {
             state.SkipWithError("not every limit called back once");

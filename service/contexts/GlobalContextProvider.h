@@ -35,7 +35,8 @@ public:
     Q_ENUM(GlobalContext)
     Q_DECLARE_FLAGS(GlobalContexts, GlobalContext)
 
-    enum Resource {
+    // A fixed underlying type: a caller may hand any number, which resource() refuses.
+    enum Resource : int {
         RenderJobs = 0,
     };
 
