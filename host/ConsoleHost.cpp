@@ -60,8 +60,7 @@ public:
         , output(stdout, [this] { whenOutputClosed(); })
         , signalWatcher([this](int signal) {
             stop(signal == SIGINT ? ExitStatus::Interrupted : ExitStatus::Terminated);
-        }) {
-    }
+        }) {}
 
     ~Private() { running.unsubscribe(); }
 

@@ -22,20 +22,21 @@ template <class Service>
 void add(ServiceLoader& loader, const TimeLimitedService::Expiry& expiry, const QString& summary,
          std::weak_ptr<const ServiceLoader> commands = {}) {
     const QString name = Service::serviceId();
-    loader.registerService(name, summary, [name, expiry, commands](std::weak_ptr<const ServiceLoader>) {
-        std::shared_ptr<AbstractService> service;
-        if constexpr (std::is_constructible_v<Service, std::weak_ptr<const ServiceLoader>>) {
-            if (commands.expired()) {
-                throw Error(QStringLiteral("Scripts nest deeper than %1 levels")
-                                .arg(maximumScriptNesting)
-                                .toStdString());
+    loader.registerService(
+        name, summary, [name, expiry, commands](std::weak_ptr<const ServiceLoader>) {
+            std::shared_ptr<AbstractService> service;
+            if constexpr (std::is_constructible_v<Service, std::weak_ptr<const ServiceLoader>>) {
+                if (commands.expired()) {
+                    throw Error(QStringLiteral("Scripts nest deeper than %1 levels")
+                                    .arg(maximumScriptNesting)
+                                    .toStdString());
+                }
+                service = std::make_shared<Service>(commands);
+            } else {
+                service = std::make_shared<Service>();
             }
-            service = std::make_shared<Service>(commands);
-        } else {
-            service = std::make_shared<Service>();
-        }
-        return std::make_shared<TimeLimitedService>(name, std::move(service), expiry);
-    });
+            return std::make_shared<TimeLimitedService>(name, std::move(service), expiry);
+        });
 }
 
 void registerHostServices(ServiceLoader& loader, const TimeLimitedService::Expiry& expiry,
@@ -59,7 +60,8 @@ void registerHostServices(ServiceLoader& loader, const TimeLimitedService::Expir
 
 } // namespace
 
-std::vector<std::shared_ptr<ServiceLoader>> makeHostLoaders(const TimeLimitedService::Expiry& expiry) {
+std::vector<std::shared_ptr<ServiceLoader>>
+makeHostLoaders(const TimeLimitedService::Expiry& expiry) {
     std::vector<std::shared_ptr<ServiceLoader>> loaders(maximumScriptNesting + 1);
     for (auto& loader : loaders)
         loader = std::make_shared<ServiceLoader>();

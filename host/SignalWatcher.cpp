@@ -33,10 +33,9 @@ SignalWatcher::SignalWatcher(std::function<void(int)> received)
     sigaction(SIGTERM, &action, nullptr);
 }
 
-SignalWatcher::~SignalWatcher() {
-    std::signal(SIGINT, SIG_DFL);
-    std::signal(SIGTERM, SIG_DFL);
-}
+// The handlers stay installed to the end of the process: they only write to the pipe, so a
+// signal that comes while the host shuts down changes nothing, where the default would kill it.
+SignalWatcher::~SignalWatcher() = default;
 
 void SignalWatcher::readSignal() {
     unsigned char number = 0;
