@@ -53,6 +53,13 @@ function(editorservice_add_gtest target)
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
         PROPERTIES LABELS "${labels}" TIMEOUT 300)
+    # The ThreadSanitizer run builds only what it runs.
+    if("concurrency" IN_LIST ARG_LABELS)
+        if(NOT TARGET concurrency_tests)
+            add_custom_target(concurrency_tests)
+        endif()
+        add_dependencies(concurrency_tests ${target})
+    endif()
 endfunction()
 
 function(editorservice_install_package)

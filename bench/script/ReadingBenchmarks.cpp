@@ -12,24 +12,11 @@
 
 namespace {
 
-// glog's own level setting, for the length of one benchmark.
-class MinimumLogLevel {
-public:
-    explicit MinimumLogLevel(int level)
-        : previous(FLAGS_minloglevel) {
-        FLAGS_minloglevel = level;
-    }
-    ~MinimumLogLevel() { FLAGS_minloglevel = previous; }
-
-private:
-    int previous;
-};
-
 void ReadCommandScript(benchmark::State& state) {
     const bool logged = state.range(0) != 0;
     const long lines = state.range(1);
     const Bench::TextFile script(Bench::mixedScriptLines(lines));
-    const MinimumLogLevel level(logged ? google::GLOG_INFO : google::GLOG_WARNING);
+    const Bench::MinimumLogLevel level(logged ? google::GLOG_INFO : google::GLOG_WARNING);
     for (auto _ : state) {
         long commands = 0;
         bool ended = false;

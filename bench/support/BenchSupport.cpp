@@ -7,9 +7,19 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <glog/logging.h>
 #include <stdexcept>
 
 namespace Bench {
+
+MinimumLogLevel::MinimumLogLevel(int level)
+    : previous(FLAGS_minloglevel) {
+    FLAGS_minloglevel = level;
+}
+
+MinimumLogLevel::~MinimumLogLevel() {
+    FLAGS_minloglevel = previous;
+}
 
 void spinUntil(const std::function<bool()>& done) {
     QTimer ticker;

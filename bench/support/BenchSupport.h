@@ -12,6 +12,18 @@
 
 namespace Bench {
 
+// glog's own level setting (FLAGS_minloglevel), for as long as the object lives.
+class MinimumLogLevel {
+public:
+    explicit MinimumLogLevel(int level);
+    ~MinimumLogLevel();
+    MinimumLogLevel(const MinimumLogLevel&) = delete;
+    MinimumLogLevel& operator=(const MinimumLogLevel&) = delete;
+
+private:
+    int previous;
+};
+
 // Runs the main thread's event loop until `done` holds. A 1 ms timer wakes the loop, so a
 // condition set on another thread is seen without a busy spin.
 void spinUntil(const std::function<bool()>& done);
