@@ -15,8 +15,10 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <condition_variable>
 #include <csignal>
 #include <cstdio>
+#include <mutex>
 #include <unistd.h>
 
 using namespace EditorService;
@@ -68,7 +70,7 @@ public:
 
 private:
     QString helpText(QCommandLineParser& parser) const;
-    int runService(const ServiceRunRequest& command);
+    int runService(std::shared_ptr<AbstractService> service, const QStringList& arguments);
     void finish(int status, std::exception_ptr error = {});
     void stop(int status);
     void whenOutputClosed();
@@ -82,6 +84,10 @@ private:
     JsonLinesWriter output;
     SignalWatcher signalWatcher;
     rxcpp::composite_subscription running;
+    // Set while a thread that ended the stream tears it down; the main thread waits for it.
+    std::mutex endingLock;
+    std::condition_variable endingDone;
+    bool ending = false;
     std::exception_ptr failure;
     int status = ExitStatus::Success;
     bool stopping = false;
@@ -136,27 +142,34 @@ int ConsoleHost::Private::exec() {
         printError(QStringLiteral("No service specified, try \"reelsmith --help\""));
         return ExitStatus::Usage;
     }
-    if (!loader->serviceNames().contains(command->serviceName)) {
-        printError(
-            QStringLiteral("Unknown service \"%1\", known services: %2")
-                .arg(command->serviceName, loader->serviceNames().join(QStringLiteral(", "))));
+    std::shared_ptr<AbstractService> service;
+    try {
+        service = loader->createService(command->serviceName);
+    } catch (const Error& unknown) {
+        printError(QString::fromStdString(unknown.what()));
         return ExitStatus::Usage;
     }
     // A limit before the service name applies to the service, as one behind it does.
     const QCommandLineOption timeout = TimeoutProxyService::options().first();
     if (parser.isSet(timeout))
         command->arguments.append(QStringLiteral("--timeout=%1").arg(parser.value(timeout)));
-    return runService(*command);
+    return runService(std::move(service), command->arguments);
 }
 
-int ConsoleHost::Private::runService(const ServiceRunRequest& command) {
-    const auto values = loader->createService(command.serviceName)->run(command.arguments);
+int ConsoleHost::Private::runService(std::shared_ptr<AbstractService> service,
+                                     const QStringList& arguments) {
+    const auto values = service->run(arguments);
+    service.reset();
     values.subscribe(
         running, [this](const nlohmann::json& value) { output.write(value); },
         [this](std::exception_ptr error) { finish(ExitStatus::Failure, error); },
         [this] { finish(ExitStatus::Success); });
     QCoreApplication::exec();
     running.unsubscribe();
+    {
+        std::unique_lock<std::mutex> lock(endingLock);
+        endingDone.wait(lock, [this] { return !ending; });
+    }
     provider.waitForWorkers();
     if (!failure)
         return status;
@@ -175,6 +188,19 @@ int ConsoleHost::Private::runService(const ServiceRunRequest& command) {
 
 // Called from whichever thread ends the stream; the event loop ends on the main thread.
 void ConsoleHost::Private::finish(int exitStatus, std::exception_ptr error) {
+    // The ending thread stops the other commands' threads here, and the main thread waits for
+    // it: an unsubscribe there would return at once while this one is still under way, and the
+    // host would be torn down under threads that still deliver.
+    {
+        std::lock_guard<std::mutex> lock(endingLock);
+        ending = true;
+    }
+    running.unsubscribe();
+    {
+        std::lock_guard<std::mutex> lock(endingLock);
+        ending = false;
+    }
+    endingDone.notify_all();
     QMetaObject::invokeMethod(
         &application,
         [this, exitStatus, error] {

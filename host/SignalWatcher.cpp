@@ -1,44 +1,50 @@
 #include "host/SignalWatcher.h"
 
 #include <QSocketNotifier>
+#include <cerrno>
 #include <csignal>
-#include <fcntl.h>
+#include <pthread.h>
+#include <sys/signalfd.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace {
 
-int signalPipe[2] = {-1, -1};
-
-void writeSignal(int signal) {
-    const unsigned char number = static_cast<unsigned char>(signal);
-    [[maybe_unused]] const auto written = ::write(signalPipe[1], &number, 1);
+sigset_t watchedSignals() {
+    sigset_t watched;
+    sigemptyset(&watched);
+    sigaddset(&watched, SIGINT);
+    sigaddset(&watched, SIGTERM);
+    return watched;
 }
 
 } // namespace
 
-SignalWatcher::SignalWatcher(std::function<void(int)> received)
-    : m_received(std::move(received)) {
-    if (::pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0)
-        return;
-    m_notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, this);
-    connect(m_notifier, &QSocketNotifier::activated, this, &SignalWatcher::readSignal);
-    struct sigaction action = {};
-    action.sa_handler = writeSignal;
-    // Neither handler may interrupt the other, so the pipe holds the signals in their order.
-    sigemptyset(&action.sa_mask);
-    sigaddset(&action.sa_mask, SIGINT);
-    sigaddset(&action.sa_mask, SIGTERM);
-    action.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
+void SignalWatcher::blockWatchedSignals() {
+    const sigset_t watched = watchedSignals();
+    pthread_sigmask(SIG_BLOCK, &watched, nullptr);
 }
 
-// The handlers stay installed to the end of the process: they only write to the pipe, so a
-// signal that comes while the host shuts down changes nothing, where the default would kill it.
-SignalWatcher::~SignalWatcher() = default;
+SignalWatcher::SignalWatcher(std::function<void(int)> received)
+    : m_received(std::move(received)) {
+    blockWatchedSignals();
+    const sigset_t watched = watchedSignals();
+    m_descriptor = ::signalfd(-1, &watched, SFD_CLOEXEC | SFD_NONBLOCK);
+    if (m_descriptor < 0)
+        throw std::system_error(errno, std::generic_category(), "signalfd");
+    m_notifier = new QSocketNotifier(m_descriptor, QSocketNotifier::Read, this);
+    connect(m_notifier, &QSocketNotifier::activated, this, &SignalWatcher::readSignals);
+}
 
-void SignalWatcher::readSignal() {
-    unsigned char number = 0;
-    while (::read(signalPipe[0], &number, 1) == 1)
-        m_received(number);
+// The signals stay blocked to the end of the process, so one that comes while the host shuts
+// down changes nothing, where the default action would kill it.
+SignalWatcher::~SignalWatcher() {
+    delete m_notifier;
+    ::close(m_descriptor);
+}
+
+void SignalWatcher::readSignals() {
+    signalfd_siginfo info;
+    while (::read(m_descriptor, &info, sizeof info) == ssize_t(sizeof info))
+        m_received(int(info.ssi_signo));
 }

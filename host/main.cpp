@@ -1,5 +1,6 @@
 #include "host/ConsoleHost.h"
 #include "host/ExitStatus.h"
+#include "host/SignalWatcher.h"
 
 #include <csignal>
 #include <cstdio>
@@ -8,6 +9,9 @@
 #include <glog/logging.h>
 
 int main(int argc, char** argv) {
+    // Before any thread starts, so that every thread inherits the block and SIGINT and SIGTERM
+    // reach only the host's signalfd.
+    SignalWatcher::blockWatchedSignals();
     // glog stamps each line with the local time through mktime, and glibc, with TZ unset, checks
     // /etc/localtime anew on every call: one stat per line of a script. Naming that same file
     // once spares it; a TZ of the caller's own stands.

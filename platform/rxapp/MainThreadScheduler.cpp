@@ -48,23 +48,27 @@ public:
     }
 
     void push(Clock::time_point when, const schedulable& what, bool timed) {
-        bool post = false;
+        QEvent* wake = nullptr;
         {
             std::lock_guard<std::mutex> guard(lock);
+            bool post = true;
             if (timed) {
                 due.push_back(Item{when, nextOrder++, what});
                 std::push_heap(due.begin(), due.end(), later);
                 post = when < armedFor;
             } else {
                 ready.push_back(Item{Clock::now(), nextOrder++, what});
-                post = true;
             }
-            post = post && !wakePosted;
-            wakePosted = wakePosted || post;
+            // One wake-up serves every action queued until the main thread takes it. It is made
+            // under the lock: Qt hands it over under a lock of its own that a thread sanitizer
+            // can't see, and the drain takes this lock before Qt deletes the event.
+            if (post && !wakePosted) {
+                wakePosted = true;
+                wake = new QEvent(wakeEventType());
+            }
         }
-        // One wake-up serves every action queued until the main thread takes it.
-        if (post)
-            QCoreApplication::postEvent(waker, new QEvent(wakeEventType()));
+        if (wake)
+            QCoreApplication::postEvent(waker, wake);
     }
 
     // Runs, on the main thread, the actions that are due and were queued before it began;

@@ -33,7 +33,8 @@ public:
     void registerService(const QString& serviceName, const QString& summary, Factory factory);
 
     // A new service. Throws Error "Unknown service \"%1\", known services: %2" for a name
-    // that has no factory, the known names sorted and joined by ", ".
+    // that has no factory, the name with its control characters, quotes and backslashes
+    // escaped, the known names sorted and joined by ", ".
     virtual std::shared_ptr<AbstractService> createService(const QString& serviceName) const;
 
     QStringList serviceNames() const;

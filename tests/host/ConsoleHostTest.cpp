@@ -65,6 +65,14 @@ TEST_F(ConsoleHostTest, UnknownServiceExitsWithUsageStatusNamingTheKnownOnes) {
     EXPECT_EQ(run.output, "");
 }
 
+TEST_F(ConsoleHostTest, UnknownServiceWithANewlineIsNamedOnOneLine) {
+    const HostRun run = runHost({"no\nsuch", "x"});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.errors.startsWith("Unknown service \"no\\x0asuch\", known services: echo, "))
+        << run.errors.toStdString();
+    EXPECT_EQ(run.errors.count('\n'), 1);
+}
+
 TEST_F(ConsoleHostTest, UnknownHostOptionExitsWithUsageStatus) {
     const HostRun run = runHost({"--nonsense", "echo"});
     EXPECT_EQ(run.exitCode, 2);

@@ -39,6 +39,19 @@ TEST(ServiceLoaderTest, UnknownNameThrowsErrorNamingItAndTheKnownOnes) {
     }
 }
 
+TEST(ServiceLoaderTest, UnknownNameIsQuotedWithControlCharactersQuotesAndBackslashesEscaped) {
+    const auto loader = makeLoader();
+    const QString name = QStringLiteral("a\tb\nc\"d\\e") + QChar(0) + QChar(0x7f) + QChar(0xe9);
+    try {
+        loader->createService(name);
+        FAIL() << "Error expected";
+    } catch (const Error& error) {
+        EXPECT_EQ(std::string(error.what()),
+                  "Unknown service \"a\\x09b\\x0ac\\\"d\\\\e\\x00\\x7f\xc3\xa9\", known services: "
+                  "alpha, count");
+    }
+}
+
 TEST(ServiceLoaderTest, FactoryReceivesTheLoadersOwnWeakPointer) {
     auto loader = std::make_shared<ServiceLoader>();
     std::weak_ptr<const ServiceLoader> received;
