@@ -1,6 +1,7 @@
 #pragma once
 
 #include "../rx-lite.hpp"
+#include "../rx-signal_queue.hpp"
 
 #include <cstdint>
 #include <stdexcept>
@@ -35,10 +36,14 @@ public:
         arm();
     }
 
-    void next(const T& v) {
-        ++counter;
-        deadline = w.now() + period;
-        dest.on_next(v);
+    // Signals cross to the worker in batches (see signal_queue).
+    void schedule_drain() {
+        w.schedule([self = this->shared_from_this()](const schedulers::schedulable& scbl) {
+            self->deliver_queued();
+            // Give the timers a turn before the next batch.
+            if (self->pending.more())
+                scbl.schedule();
+        });
     }
 
     // Upstream is let go on the worker, behind whatever it has already handed over.
@@ -58,13 +63,25 @@ public:
     composite_subscription workerLifetime;
     composite_subscription sourceLifetime;
 
+    signal_queue<T> pending;
+
 private:
+    void deliver_queued() {
+        pending.deliver(dest, [this] {
+            ++counter;
+            deadline = w.now() + period;
+        });
+    }
+
     void arm() {
         w.schedule(deadline, [self = this->shared_from_this(), tag = counter](
                                  const schedulers::schedulable&) { self->expire(tag); });
     }
 
     void expire(std::uint64_t tag) {
+        // Values that reached the queue before the timer ran were on time.
+        if (tag == counter)
+            deliver_queued();
         if (tag != counter)
             return arm();
         dest.on_error(std::make_exception_ptr(timeout_error("timeout has occurred")));
@@ -73,24 +90,6 @@ private:
     clock::duration period;
     std::uint64_t counter = 0;
     clock::time_point deadline;
-};
-
-template <class T> class timeout_observer final : public observer_base<T> {
-public:
-    explicit timeout_observer(std::shared_ptr<timeout_state<T>> s)
-        : state(std::move(s)) {}
-    void on_next(const T& v) override {
-        state->w.schedule([s = state, v](const schedulers::schedulable&) { s->next(v); });
-    }
-    void on_error(std::exception_ptr e) override {
-        state->w.schedule([s = state, e](const schedulers::schedulable&) { s->dest.on_error(e); });
-    }
-    void on_completed() override {
-        state->w.schedule([s = state](const schedulers::schedulable&) { s->dest.on_completed(); });
-    }
-
-private:
-    std::shared_ptr<timeout_state<T>> state;
 };
 
 template <class T, class CN>
@@ -108,7 +107,8 @@ observable<T> timeout(const observable<T>& source, std::chrono::steady_clock::du
         });
         state->start();
         source.subscribe(
-            subscriber<T>(state->sourceLifetime, std::make_shared<timeout_observer<T>>(state)));
+            subscriber<T>(state->sourceLifetime,
+                          std::make_shared<queueing_observer<T, timeout_state<T>>>(state)));
     });
 }
 
