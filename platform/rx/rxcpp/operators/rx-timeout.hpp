@@ -36,7 +36,9 @@ public:
         arm();
     }
 
-    // Signals cross to the worker in batches (see signal_queue).
+    // Signals cross to the worker in batches (see signal_queue). The drain is scheduled at the
+    // first signal's arrival, as that signal's own action would be, so a timer due later finds
+    // it delivered and a timer due earlier fires first.
     void schedule_drain() {
         w.schedule([self = this->shared_from_this()](const schedulers::schedulable& scbl) {
             self->deliver_queued();
@@ -79,9 +81,6 @@ private:
     }
 
     void expire(std::uint64_t tag) {
-        // Values that reached the queue before the timer ran were on time.
-        if (tag == counter)
-            deliver_queued();
         if (tag != counter)
             return arm();
         dest.on_error(std::make_exception_ptr(timeout_error("timeout has occurred")));
