@@ -59,7 +59,7 @@ public:
             reportTimeout(seconds, commandLine);
         }))
         , loader(loaders.front())
-        , output(stdout, [this] { whenOutputClosed(); })
+        , output(std::make_shared<JsonLinesWriter>(stdout, [this] { whenOutputClosed(); }))
         , signalWatcher([this](int signal) {
             stop(signal == SIGINT ? ExitStatus::Interrupted : ExitStatus::Terminated);
         }) {}
@@ -81,7 +81,9 @@ private:
     GlobalContextProvider provider;
     std::vector<std::shared_ptr<ServiceLoader>> loaders;
     std::shared_ptr<ServiceLoader> loader;
-    JsonLinesWriter output;
+    // Shared with the stream: a command that runs under a job limit is not stopped with the
+    // stream and may still be delivering a value while the host shuts down.
+    std::shared_ptr<JsonLinesWriter> output;
     SignalWatcher signalWatcher;
     rxcpp::composite_subscription running;
     // Set while a thread that ended the stream tears it down; the main thread waits for it.
@@ -161,7 +163,7 @@ int ConsoleHost::Private::runService(std::shared_ptr<AbstractService> service,
     const auto values = service->run(arguments);
     service.reset();
     values.subscribe(
-        running, [this](const nlohmann::json& value) { output.write(value); },
+        running, [output = output](const nlohmann::json& value) { output->write(value); },
         [this](std::exception_ptr error) { finish(ExitStatus::Failure, error); },
         [this] { finish(ExitStatus::Success); });
     QCoreApplication::exec();
@@ -170,6 +172,7 @@ int ConsoleHost::Private::runService(std::shared_ptr<AbstractService> service,
         std::unique_lock<std::mutex> lock(endingLock);
         endingDone.wait(lock, [this] { return !ending; });
     }
+    output->close();
     provider.waitForWorkers();
     if (!failure)
         return status;

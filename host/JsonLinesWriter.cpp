@@ -23,3 +23,8 @@ bool JsonLinesWriter::isClosed() const {
     std::lock_guard<std::mutex> lock(m_mutex);
     return m_isClosed;
 }
+
+void JsonLinesWriter::close() {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_isClosed = true;
+}

@@ -14,6 +14,9 @@ public:
 
     void write(const nlohmann::json& value);
     bool isClosed() const;
+    // Ends the writing: values that come later are dropped, and `closed` is not called. A
+    // command may still deliver from a thread of its own while the host shuts down.
+    void close();
 
 private:
     mutable std::mutex m_mutex;
