@@ -34,8 +34,9 @@ BENCHMARK(ReadCommandScript)
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 
-// The file opened as the command source opens it, each line read and dropped.
-void ReadLinesBare(benchmark::State& state) {
+// Reads the script of `lines` lines as the command source opens it, handing each line to
+// `use`, once per iteration; lines per second.
+template <class Use> void readEachLine(benchmark::State& state, Use use) {
     const long lines = state.range(0);
     const Bench::TextFile script(Bench::mixedScriptLines(lines));
     for (auto _ : state) {
@@ -43,17 +44,19 @@ void ReadLinesBare(benchmark::State& state) {
         file.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered);
         QTextStream stream(&file);
         long read = 0;
-        while (!stream.atEnd()) {
-            QString line = stream.readLine();
-            benchmark::DoNotOptimize(line);
-            ++read;
-        }
+        for (; !stream.atEnd(); ++read)
+            use(stream.readLine());
         if (read != lines) {
             state.SkipWithError("the loop did not read every line");
             break;
         }
     }
     state.SetItemsProcessed(state.iterations() * lines);
+}
+
+// Each line read and dropped.
+void ReadLinesBare(benchmark::State& state) {
+    readEachLine(state, [](QString line) { benchmark::DoNotOptimize(line); });
 }
 BENCHMARK(ReadLinesBare)
     ->ArgNames({"lines"})
@@ -66,34 +69,20 @@ BENCHMARK(ReadLinesBare)
 // the command source. Every line is simplified, tested, split on ';', and each command gets the
 // program path in front.
 void SplitLinesBare(benchmark::State& state) {
-    const long lines = state.range(0);
-    const Bench::TextFile script(Bench::mixedScriptLines(lines));
     const QString program = Bench::applicationPath();
-    for (auto _ : state) {
-        QFile file(script.path());
-        file.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered);
-        QTextStream stream(&file);
-        long read = 0;
-        while (!stream.atEnd()) {
-            const QString line = stream.readLine().simplified();
-            ++read;
-            if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
-                continue;
-            QStringList parts = line.split(QLatin1Char(';'), Qt::SkipEmptyParts);
-            for (QString& part : parts)
-                part = part.simplified();
-            if (parts.isEmpty())
-                continue;
-            QStringList command(program);
-            command += parts;
-            benchmark::DoNotOptimize(command);
-        }
-        if (read != lines) {
-            state.SkipWithError("the loop did not read every line");
-            break;
-        }
-    }
-    state.SetItemsProcessed(state.iterations() * lines);
+    readEachLine(state, [&program](const QString& raw) {
+        const QString line = raw.simplified();
+        if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
+            return;
+        QStringList parts = line.split(QLatin1Char(';'), Qt::SkipEmptyParts);
+        for (QString& part : parts)
+            part = part.simplified();
+        if (parts.isEmpty())
+            return;
+        QStringList command(program);
+        command += parts;
+        benchmark::DoNotOptimize(command);
+    });
 }
 BENCHMARK(SplitLinesBare)
     ->ArgNames({"lines"})
