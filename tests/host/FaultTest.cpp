@@ -8,37 +8,11 @@
 #include <nlohmann/json.hpp>
 
 using EditorService::Testing::HostRun;
+using EditorService::Testing::QuietHostSanitizer;
 using EditorService::Testing::runHost;
 using EditorService::Testing::startHost;
 
 namespace {
-
-#if defined(__SANITIZE_THREAD__)
-#define HOST_UNDER_THREAD_SANITIZER 1
-#elif defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-#define HOST_UNDER_THREAD_SANITIZER 1
-#endif
-#endif
-
-// The host hands work between threads through Qt's event queue, whose locks ThreadSanitizer
-// can't see in an uninstrumented Qt, so its reports from a sanitized host are about Qt's queue
-// rather than the host; the library's own threads are checked in process by tests/stress.
-class QuietHostSanitizer {
-public:
-    QuietHostSanitizer()
-        : m_options(qgetenv("TSAN_OPTIONS")) {
-#if defined(HOST_UNDER_THREAD_SANITIZER)
-        qputenv("TSAN_OPTIONS", "report_bugs=0");
-#endif
-    }
-    ~QuietHostSanitizer() {
-        qputenv("TSAN_OPTIONS", m_options);
-    }
-
-private:
-    QByteArray m_options;
-};
 
 class FaultTest : public testing::Test {
 protected:
