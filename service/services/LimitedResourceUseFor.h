@@ -25,24 +25,25 @@ template <class Start> auto Velmor::rx::LimitedResource::useFor(Start start) {
                     return start(command);
                 auto results = std::make_shared<rxcpp::subjects::subject<nlohmann::json>>(
                     rxcpp::composite_subscription());
-                std::function<rxcpp::observable<int>()> job = [command, start, results] {
-                    try {
-                        start(command).subscribe(results->get_subscriber());
-                    } catch (...) {
-                        results->get_subscriber().on_error(std::current_exception());
-                    }
-                    return results->get_observable()
-                        .map([](const nlohmann::json&) { return 0; })
-                        .as_dynamic();
-                };
                 // The job is queued once the merge listens to `results`: a subject repeats no
                 // value, so a job that starts at once on another thread must find it listening.
+                // It is made only then, so that a queued command holds one copy of it, the queue's.
                 return rxcpp::observable<>::create<nlohmann::json>(
-                           [results, jobQueue, job](rxcpp::subscriber<nlohmann::json> merge) {
+                           [command, start, results,
+                            jobQueue](rxcpp::subscriber<nlohmann::json> merge) {
                                results->get_observable().subscribe(merge);
                                if (!merge.is_subscribed())
                                    return;
-                               jobQueue.get_subscriber().on_next(job);
+                               jobQueue.get_subscriber().on_next([command, start, results] {
+                                   try {
+                                       start(command).subscribe(results->get_subscriber());
+                                   } catch (...) {
+                                       results->get_subscriber().on_error(std::current_exception());
+                                   }
+                                   return results->get_observable()
+                                       .map([](const nlohmann::json&) { return 0; })
+                                       .as_dynamic();
+                               });
                            })
                     .as_dynamic();
             },

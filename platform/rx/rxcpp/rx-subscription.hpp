@@ -56,89 +56,122 @@ private:
 };
 
 class composite_state final : public subscription_state {
-    using list = std::vector<std::shared_ptr<subscription_state>>;
+    using child = std::shared_ptr<subscription_state>;
+    using list = std::vector<child>;
+
+    // Children taken out under the lock, let go of after it: letting go may run any code.
+    struct released {
+        child one;
+        list more;
+    };
 
 public:
     composite_state()
         : subscription_state(true) {}
 
-    // Children that ended by themselves are pruned whenever the list is full, and the list then
-    // grows if still half full, so a parent of many short-lived children (a flat_map with a
-    // million inner streams) stays small at amortised constant cost.
-    void add(const std::shared_ptr<subscription_state>& child) {
-        if (!child->is_subscribed())
+    // Most composites hold one child at a time, which sits beside the list: the list is made
+    // only for a second child, and a composite stays as small as a bare list. Children that ended
+    // by themselves are pruned whenever the list is full, and it then grows if still half full, so
+    // a parent of many short-lived children (a flat_map with a million inner streams) stays small
+    // at amortised constant cost.
+    void add(const child& c) {
+        if (!c->is_subscribed())
             return;
-        list pruned;
+        released out;
         {
             std::lock_guard<spin_lock> guard(lock);
             if (is_subscribed()) {
-                if (children.size() == children.capacity()) {
-                    pruned = prune();
-                    if (children.size() * 2 > children.capacity())
-                        children.reserve(children.capacity() * 2);
+                if (!first || !first->is_subscribed()) {
+                    out.one = std::exchange(first, c);
+                    return;
                 }
-                children.push_back(child);
+                if (!more)
+                    more = std::make_unique<list>();
+                if (more->size() == more->capacity()) {
+                    prune(out);
+                    if (more->size() * 2 > more->capacity())
+                        more->reserve(more->capacity() * 2);
+                }
+                more->push_back(c);
                 return;
             }
         }
-        child->unsubscribe();
+        c->unsubscribe();
     }
 
     void remove(const std::weak_ptr<subscription_state>& weak) {
-        auto child = weak.lock();
-        if (!child)
+        auto c = weak.lock();
+        if (!c)
             return;
-        list pruned;
+        released out;
         std::lock_guard<spin_lock> guard(lock);
-        if (!child->is_subscribed()) {
-            if (++ended * 2 >= children.size())
-                pruned = prune();
+        if (c == first) {
+            out.one = std::move(first);
             return;
         }
-        auto it = std::find(children.begin(), children.end(), child);
-        if (it == children.end())
+        if (!more)
             return;
-        std::swap(*it, children.back());
-        children.pop_back();
+        if (!c->is_subscribed()) {
+            if (++ended * 2 >= more->size())
+                prune(out);
+            return;
+        }
+        auto it = std::find(more->begin(), more->end(), c);
+        if (it == more->end())
+            return;
+        std::swap(*it, more->back());
+        more->pop_back();
     }
 
     void clear() {
-        list taken;
+        released out;
         {
             std::lock_guard<spin_lock> guard(lock);
-            taken.swap(children);
-            ended = 0;
+            out = take();
         }
-        for (auto& child : taken)
-            child->unsubscribe();
+        unsubscribe(out);
     }
 
     void unsubscribe() override {
-        list taken;
+        released out;
         {
             std::lock_guard<spin_lock> guard(lock);
             if (!issubscribed.exchange(false, std::memory_order_acq_rel))
                 return;
-            taken.swap(children);
+            out = take();
         }
-        for (auto& child : taken)
-            child->unsubscribe();
+        unsubscribe(out);
     }
 
 private:
-    // Takes out the children that have ended; the caller lets go of them outside the lock.
-    list prune() {
+    released take() {
         ended = 0;
-        auto kept = std::partition(children.begin(), children.end(),
-                                   [](const auto& c) { return c->is_subscribed(); });
-        list pruned(std::make_move_iterator(kept), std::make_move_iterator(children.end()));
-        children.erase(kept, children.end());
-        return pruned;
+        return released{std::move(first), more ? std::move(*more) : list()};
+    }
+
+    static void unsubscribe(const released& out) {
+        if (out.one)
+            out.one->unsubscribe();
+        for (const auto& c : out.more)
+            c->unsubscribe();
+    }
+
+    // Takes out the listed children that have ended. Often it is one, which needs no list.
+    void prune(released& out) {
+        ended = 0;
+        const auto gone = std::partition(more->begin(), more->end(),
+                                         [](const auto& c) { return c->is_subscribed(); });
+        if (gone == more->end())
+            return;
+        out.one = std::move(*gone);
+        out.more.assign(std::make_move_iterator(gone + 1), std::make_move_iterator(more->end()));
+        more->erase(gone, more->end());
     }
 
     spin_lock lock;
     std::uint32_t ended = 0;
-    list children;
+    child first;
+    std::unique_ptr<list> more;
 };
 
 } // namespace detail

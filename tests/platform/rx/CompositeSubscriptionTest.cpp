@@ -141,3 +141,35 @@ TEST(CompositeSubscriptionTest, ChildrenThatEndedAreLetGoAsTheParentGrows) {
     EXPECT_GT(released, 900);
     EXPECT_TRUE(parent.is_subscribed());
 }
+
+TEST(CompositeSubscriptionTest, ShortLivedChildrenBesideALongLivedOneAreLetGo) {
+    rxcpp::composite_subscription parent;
+    int longLivedEnds = 0;
+    parent.add([&] { ++longLivedEnds; });
+    std::vector<std::weak_ptr<rxcpp::detail::subscription_state>> children;
+    for (int i = 0; i < 1000; ++i) {
+        rxcpp::composite_subscription child;
+        parent.add(child);
+        child.unsubscribe();
+        children.push_back(child.get_state());
+    }
+    const auto released =
+        std::count_if(children.begin(), children.end(), [](const auto& c) { return c.expired(); });
+    EXPECT_GT(released, 900);
+    EXPECT_EQ(longLivedEnds, 0);
+    parent.unsubscribe();
+    EXPECT_EQ(longLivedEnds, 1);
+}
+
+TEST(CompositeSubscriptionTest, RemovingTheFirstChildKeepsTheOthers) {
+    rxcpp::composite_subscription cs;
+    std::vector<int> ended;
+    auto first = cs.add([&] { ended.push_back(1); });
+    cs.add([&] { ended.push_back(2); });
+    cs.add([&] { ended.push_back(3); });
+    cs.remove(first);
+    cs.add([&] { ended.push_back(4); });
+    cs.unsubscribe();
+    std::sort(ended.begin(), ended.end());
+    EXPECT_EQ(ended, (std::vector<int>{2, 3, 4}));
+}
