@@ -44,8 +44,9 @@ TEST_P(ScriptServiceFaultTest, FaultEndsTheScriptOnceWithItsOwnError) {
     } catch (const std::exception& error) {
         ADD_FAILURE() << "not an Error: " << error.what();
     }
-    if (row.jobs == 1)
+    if (row.jobs == 1) {
         EXPECT_FALSE(outcome->valueAfterEnd.load());
+    }
     if (row.jobs >= 1 && row.failsOnArrival) {
         EXPECT_TRUE(outcome->values.empty());
     }
