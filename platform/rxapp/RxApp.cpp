@@ -2,6 +2,9 @@
 
 #include "platform/rxapp/MainThreadScheduler.h"
 
+#include <QCoreApplication>
+#include <QThread>
+
 class RxApp::Private {
 public:
     rxcpp::observe_on_one_worker mainThread{
@@ -25,4 +28,9 @@ rxcpp::observe_on_one_worker RxApp::mainThread() const {
 
 rxcpp::observe_on_one_worker RxApp::newThread() const {
     return d->newThread;
+}
+
+bool RxApp::onMainThread() {
+    const auto* application = QCoreApplication::instance();
+    return application && QThread::currentThread() == application->thread();
 }

@@ -22,6 +22,10 @@ public:
     // Each worker made from it is a thread of its own, which ends with the worker's lifetime.
     rxcpp::observe_on_one_worker newThread() const;
 
+    // Whether the caller runs on the thread of mainThread(); false while no QCoreApplication
+    // exists.
+    static bool onMainThread();
+
 private:
     RxApp();
 

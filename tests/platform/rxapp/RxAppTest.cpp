@@ -63,6 +63,13 @@ TEST(RxAppTest, MainThreadNeverDeliversInsideTheCallThatQueued) {
     EXPECT_THAT(received, ElementsAre(1));
 }
 
+TEST(RxAppTest, OnlyTheQtMainThreadIsTheMainThread) {
+    EXPECT_TRUE(RxApp::onMainThread());
+    bool onOtherThread = true;
+    std::thread([&] { onOtherThread = RxApp::onMainThread(); }).join();
+    EXPECT_FALSE(onOtherThread);
+}
+
 TEST(RxAppTest, NewThreadGivesEachSubscriptionAThreadOfItsOwn) {
     rxcpp::subjects::subject<int> source;
     auto moved = source.get_observable().observe_on(RxApp::instance()->newThread());

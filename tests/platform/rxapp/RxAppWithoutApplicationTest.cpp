@@ -26,6 +26,11 @@ TEST(RxAppWithoutApplicationTest, InstanceThrowsLogicErrorWhileNoQCoreApplicatio
     }
 }
 
+TEST(RxAppWithoutApplicationTest, NoThreadIsTheMainThreadWhileNoQCoreApplicationExists) {
+    ASSERT_EQ(QCoreApplication::instance(), nullptr);
+    EXPECT_FALSE(RxApp::onMainThread());
+}
+
 TEST(RxAppWithoutApplicationTest, InstanceIsMadeOnceAnApplicationExists) {
     int argc = 1;
     char name[] = "rxapp_noapp_tests";

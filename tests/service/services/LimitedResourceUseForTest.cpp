@@ -207,6 +207,21 @@ TEST(LimitedResourceUseForTest, JobStartedOnAnotherThreadDeliversThereAndLosesNo
     EXPECT_EQ(merged->endCount(), 1);
 }
 
+TEST(LimitedResourceUseForTest, CommandFromAnotherThreadIsQueuedOnlyOnceTheMergeListens) {
+    // This queue starts each job the moment it is queued, as a limiter on another thread might.
+    const auto resource = queueServedByTheTest();
+    resource->jobQueue.get_observable().subscribe([](const Job& job) { job(); },
+                                                  [](std::exception_ptr) {});
+    rxcpp::subjects::subject<int> commands;
+    const auto merged = subscribe(resource->useFor(immediateStart())(commands.get_observable()));
+    std::thread([&] {
+        commands.get_subscriber().on_next(3);
+        commands.get_subscriber().on_completed();
+    }).join();
+    EXPECT_EQ(merged->received(), std::vector<json>{3});
+    EXPECT_EQ(merged->endCount(), 1);
+}
+
 TEST(LimitedResourceUseForTest, ThrowingStartBecomesTheErrorOfItsJobAndOfTheStreamAsItIs) {
     const auto failure = std::make_exception_ptr(std::runtime_error("can't start"));
     const auto resource = queueServedByTheTest();
