@@ -127,18 +127,27 @@ TEST(CompositeSubscriptionTest, ConcurrentAddAndUnsubscribeRunEveryCallbackOnce)
     }
 }
 
-TEST(CompositeSubscriptionTest, ChildrenThatEndedAreLetGoAsTheParentGrows) {
-    rxcpp::composite_subscription parent;
+namespace {
+
+// Adds `count` children to `parent` that end by themselves at once, and tells how many of them
+// the parent has let go of by then.
+long letGoOfShortLivedChildren(const rxcpp::composite_subscription& parent, int count) {
     std::vector<std::weak_ptr<rxcpp::detail::subscription_state>> children;
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < count; ++i) {
         rxcpp::composite_subscription child;
         parent.add(child);
         child.unsubscribe();
         children.push_back(child.get_state());
     }
-    const auto released =
-        std::count_if(children.begin(), children.end(), [](const auto& c) { return c.expired(); });
-    EXPECT_GT(released, 900);
+    return std::count_if(children.begin(), children.end(),
+                         [](const auto& c) { return c.expired(); });
+}
+
+} // namespace
+
+TEST(CompositeSubscriptionTest, ChildrenThatEndedAreLetGoAsTheParentGrows) {
+    rxcpp::composite_subscription parent;
+    EXPECT_GT(letGoOfShortLivedChildren(parent, 1000), 900);
     EXPECT_TRUE(parent.is_subscribed());
 }
 
@@ -146,16 +155,7 @@ TEST(CompositeSubscriptionTest, ShortLivedChildrenBesideALongLivedOneAreLetGo) {
     rxcpp::composite_subscription parent;
     int longLivedEnds = 0;
     parent.add([&] { ++longLivedEnds; });
-    std::vector<std::weak_ptr<rxcpp::detail::subscription_state>> children;
-    for (int i = 0; i < 1000; ++i) {
-        rxcpp::composite_subscription child;
-        parent.add(child);
-        child.unsubscribe();
-        children.push_back(child.get_state());
-    }
-    const auto released =
-        std::count_if(children.begin(), children.end(), [](const auto& c) { return c.expired(); });
-    EXPECT_GT(released, 900);
+    EXPECT_GT(letGoOfShortLivedChildren(parent, 1000), 900);
     EXPECT_EQ(longLivedEnds, 0);
     parent.unsubscribe();
     EXPECT_EQ(longLivedEnds, 1);
