@@ -129,7 +129,7 @@ public:
             std::lock_guard<spin_lock> guard(lock);
             out = take();
         }
-        unsubscribe(out);
+        unsubscribe_each(out);
     }
 
     void unsubscribe() override {
@@ -140,7 +140,7 @@ public:
                 return;
             out = take();
         }
-        unsubscribe(out);
+        unsubscribe_each(out);
     }
 
 private:
@@ -149,7 +149,7 @@ private:
         return released{std::move(first), more ? std::move(*more) : list()};
     }
 
-    static void unsubscribe(const released& out) {
+    static void unsubscribe_each(const released& out) {
         if (out.one)
             out.one->unsubscribe();
         for (const auto& c : out.more)
