@@ -207,7 +207,7 @@ TEST(LimitedResourceUseForTest, JobStartedOnAnotherThreadDeliversThereAndLosesNo
     EXPECT_EQ(merged->endCount(), 1);
 }
 
-TEST(LimitedResourceUseForTest, CommandFromAnotherThreadIsQueuedOnlyOnceTheMergeListens) {
+TEST(LimitedResourceUseForTest, CommandFromAnotherThreadToAQueueServedElsewhereLosesNoValue) {
     // This queue starts each job the moment it is queued, as a limiter on another thread might.
     const auto resource = queueServedByTheTest();
     resource->jobQueue.get_observable().subscribe([](const Job& job) { job(); },
