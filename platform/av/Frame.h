@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+struct AVFrame;
+
+namespace Velmor::AV {
+
+// One decoded picture or block of samples: a move-only owner of an AVFrame. A default Frame
+// holds an empty AVFrame that a decoder or scaler fills.
+class Frame {
+public:
+    Frame();
+    // A picture of its own buffers, of the given size and AVPixelFormat, every byte zero.
+    static Frame picture(int width, int height, int pixelFormat);
+
+    Frame(Frame&&) noexcept = default;
+    Frame& operator=(Frame&&) noexcept = default;
+
+    AVFrame* get() const { return m_frame.get(); }
+    AVFrame* operator->() const { return m_frame.get(); }
+
+    int width() const;
+    int height() const;
+    // The AVPixelFormat of a picture, the AVSampleFormat of samples.
+    int format() const;
+    // In the time base of whoever made it; AV_NOPTS_VALUE when unknown.
+    std::int64_t timestamp() const;
+    // Drops the buffers, keeping the AVFrame for the next fill.
+    void reset();
+
+private:
+    struct Free {
+        void operator()(AVFrame* frame) const;
+    };
+    std::unique_ptr<AVFrame, Free> m_frame;
+};
+
+} // namespace Velmor::AV
