@@ -1,0 +1,49 @@
+#pragma once
+
+#include "platform/av/MediaInfo.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+struct AVFormatContext;
+struct AVStream;
+
+namespace Velmor::AV {
+
+class Packet;
+
+// Reads a media file: the description of its streams, then its packets in file order.
+class Demuxer {
+public:
+    // Tells a blocking read to give up: asked again and again while a read waits.
+    using Interrupted = std::function<bool()>;
+
+    // Opens the file and parses its stream info. Throws MediaError
+    // "Can not open media file: <path>: <reason>", the reason in the library's own words.
+    explicit Demuxer(const std::string& path, Interrupted interrupted = {});
+    Demuxer(const Demuxer&) = delete;
+    Demuxer& operator=(const Demuxer&) = delete;
+    ~Demuxer();
+
+    const std::string& path() const;
+    const MediaInfo& info() const;
+    AVFormatContext* context() const;
+    AVStream* stream(int index) const;
+    // The stream the library takes for the best of the type ("video", "audio"); -1 for none.
+    int bestStream(const std::string& type) const;
+
+    // The next packet of any stream; false at the end of the file. Throws MediaError
+    // "Can not read media file: <path>: <reason>"; an interrupted read throws it too.
+    bool read(Packet& packet);
+    // Moves to the last key frame of the stream at or before the timestamp, given in the
+    // stream's time base. Throws MediaError "Can not seek in media file: <path>: <reason>".
+    void seek(int streamIndex, std::int64_t timestamp);
+
+private:
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace Velmor::AV

@@ -1,0 +1,29 @@
+#include "platform/av/Packet.h"
+
+#include <new>
+
+extern "C" {
+#include <libavcodec/packet.h>
+}
+
+namespace Velmor::AV {
+
+void Packet::Free::operator()(AVPacket* packet) const {
+    av_packet_free(&packet);
+}
+
+Packet::Packet()
+    : m_packet(av_packet_alloc()) {
+    if (!m_packet)
+        throw std::bad_alloc();
+}
+
+int Packet::streamIndex() const {
+    return m_packet->stream_index;
+}
+
+void Packet::reset() {
+    av_packet_unref(m_packet.get());
+}
+
+} // namespace Velmor::AV

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+
+struct AVPacket;
+
+namespace Velmor::AV {
+
+// One compressed packet of a stream: a move-only owner of an AVPacket.
+class Packet {
+public:
+    Packet();
+
+    Packet(Packet&&) noexcept = default;
+    Packet& operator=(Packet&&) noexcept = default;
+
+    AVPacket* get() const { return m_packet.get(); }
+    AVPacket* operator->() const { return m_packet.get(); }
+
+    int streamIndex() const;
+    // Drops the data, keeping the AVPacket for the next read.
+    void reset();
+
+private:
+    struct Free {
+        void operator()(AVPacket* packet) const;
+    };
+    std::unique_ptr<AVPacket, Free> m_packet;
+};
+
+} // namespace Velmor::AV

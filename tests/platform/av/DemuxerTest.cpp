@@ -1,0 +1,126 @@
+#include "platform/av/Demuxer.h"
+
+#include "platform/av/MediaError.h"
+#include "platform/av/Packet.h"
+#include "tests/support/MediaFixtures.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+extern "C" {
+#include <libavcodec/packet.h>
+}
+
+using EditorService::Testing::mediaFixture;
+using Velmor::AV::Demuxer;
+using Velmor::AV::MediaError;
+using Velmor::AV::Packet;
+
+namespace {
+
+std::string openingFailure(const std::string& path) {
+    try {
+        Demuxer demuxer(path);
+    } catch (const MediaError& error) {
+        return error.what();
+    }
+    return "no exception";
+}
+
+} // namespace
+
+TEST(DemuxerTest, DescribesAnMp4WithVideoAndAudio) {
+    const Demuxer demuxer(mediaFixture("h264_aac.mp4"));
+    const auto& info = demuxer.info();
+    EXPECT_EQ(info.path, mediaFixture("h264_aac.mp4"));
+    EXPECT_EQ(info.format, "mov,mp4,m4a,3gp,3g2,mj2");
+    EXPECT_NEAR(static_cast<double>(info.durationMs), 2000, 50);
+    ASSERT_TRUE(info.bitRate.has_value());
+    EXPECT_GT(*info.bitRate, 0);
+    EXPECT_GT(info.size, 0);
+    ASSERT_EQ(info.streams.size(), 2u);
+    EXPECT_EQ(info.streams[0].type, "video");
+    EXPECT_EQ(info.streams[0].codec, "h264");
+    EXPECT_EQ(info.streams[0].width, 320);
+    EXPECT_EQ(info.streams[0].height, 240);
+    EXPECT_EQ(info.streams[0].frameRate, "25/1");
+    EXPECT_EQ(info.streams[0].pixelFormat, "yuv420p");
+    EXPECT_EQ(info.streams[1].type, "audio");
+    EXPECT_EQ(info.streams[1].codec, "aac");
+    EXPECT_EQ(info.streams[1].sampleRate, 44100);
+    EXPECT_EQ(info.streams[1].channels, 2);
+}
+
+TEST(DemuxerTest, FindsTheBestStreamOfEachType) {
+    const Demuxer demuxer(mediaFixture("h264_aac.mp4"));
+    EXPECT_EQ(demuxer.bestStream("video"), 0);
+    EXPECT_EQ(demuxer.bestStream("audio"), 1);
+    const Demuxer silent(mediaFixture("noaudio.mp4"));
+    EXPECT_EQ(silent.bestStream("audio"), -1);
+    const Demuxer sound(mediaFixture("tone.wav"));
+    EXPECT_EQ(sound.bestStream("video"), -1);
+}
+
+TEST(DemuxerTest, ReadsEveryPacketThenReportsTheEnd) {
+    Demuxer demuxer(mediaFixture("noaudio.mp4"));
+    Packet packet;
+    int packets = 0;
+    while (demuxer.read(packet)) {
+        EXPECT_EQ(packet.streamIndex(), 0);
+        ++packets;
+    }
+    EXPECT_EQ(packets, 50);
+    EXPECT_FALSE(demuxer.read(packet));
+}
+
+TEST(DemuxerTest, SeekingBackwardsLandsOnAKeyFrameAtOrBeforeTheTime) {
+    Demuxer demuxer(mediaFixture("noaudio.mp4"));
+    Packet packet;
+    while (demuxer.read(packet)) {
+    }
+    demuxer.seek(0, 0);
+    ASSERT_TRUE(demuxer.read(packet));
+    EXPECT_TRUE(packet->flags & AV_PKT_FLAG_KEY);
+    EXPECT_EQ(packet->pts, 0);
+}
+
+TEST(DemuxerTest, AMissingFileFailsWithTheLibrarysReason) {
+    EXPECT_EQ(openingFailure("/nonexistent/clip.mp4"),
+              "Can not open media file: /nonexistent/clip.mp4: No such file or directory");
+}
+
+TEST(DemuxerTest, AFileThatIsNoMediaFailsAsInvalidData) {
+    const auto path = mediaFixture("notmedia.txt");
+    EXPECT_EQ(openingFailure(path),
+              "Can not open media file: " + path + ": Invalid data found when processing input");
+}
+
+TEST(DemuxerTest, AnEmptyFileFailsAsInvalidData) {
+    const auto path = mediaFixture("empty.mp4");
+    EXPECT_EQ(openingFailure(path),
+              "Can not open media file: " + path + ": Invalid data found when processing input");
+}
+
+TEST(DemuxerTest, ATruncatedFileFailsAsInvalidData) {
+    const auto path = mediaFixture("truncated.mp4");
+    EXPECT_EQ(openingFailure(path),
+              "Can not open media file: " + path + ": Invalid data found when processing input");
+}
+
+TEST(DemuxerTest, ADirectoryFailsWithTheSystemsReason) {
+    const QTemporaryDir directory;
+    const auto path = directory.path().toStdString();
+    EXPECT_EQ(openingFailure(path), "Can not open media file: " + path + ": Is a directory");
+}
+
+TEST(DemuxerTest, AnInterruptedOpenGivesUp) {
+    try {
+        Demuxer demuxer(mediaFixture("h264_aac.mp4"), [] { return true; });
+        FAIL() << "no exception";
+    } catch (const MediaError& error) {
+        EXPECT_STREQ(error.what(), ("Can not open media file: " + mediaFixture("h264_aac.mp4")
+                                    + ": Immediate exit requested")
+                                       .c_str());
+    }
+}
