@@ -1,5 +1,8 @@
 #include "platform/engine/PluginRegistry.h"
 
+#include "platform/av/CodecSets.h"
+#include "platform/engine/Probe.h"
+
 #include <algorithm>
 
 namespace Velmor::Core {
@@ -15,6 +18,16 @@ const std::vector<std::string>& PluginRegistry::KnownPlugins() {
 bool PluginRegistry::IsKnown(const std::string& pluginName) {
     const auto& plugins = KnownPlugins();
     return std::find(plugins.begin(), plugins.end(), pluginName) != plugins.end();
+}
+
+LoadedPlugin PluginRegistry::Load(const std::string& pluginName) {
+    Testing::Probe::hit("PluginRegistry::Load");
+    LoadedPlugin plugin{pluginName, {}};
+    if (pluginName == "DecodersFF")
+        AV::findDecoding();
+    else if (pluginName == "EncodersFF")
+        plugin.encoders = AV::findEncoders();
+    return plugin;
 }
 
 } // namespace Velmor::Core

@@ -1,6 +1,7 @@
 #include "platform/engine/CoreManager.h"
 
 #include "platform/engine/CoreManagerOptions.h"
+#include "platform/engine/PluginError.h"
 #include "platform/engine/PluginRegistry.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
@@ -162,4 +163,80 @@ TEST_F(CoreManagerTest, AnInjectedFailureOfInitializeStartsNoLoader) {
     auto& core = CoreManager::Instance();
     EXPECT_THROW(core.Initialize({}, {}, {}), std::runtime_error);
     EXPECT_THROW(core.WaitUntilInitialized(), std::logic_error);
+}
+
+TEST_F(CoreManagerTest, ALoadedPluginIsReportedLoaded) {
+    auto& core = CoreManager::Instance();
+    core.Initialize({}, disabling({"EncodersFF"}), {});
+    core.WaitUntilInitialized();
+    EXPECT_TRUE(core.IsPluginLoaded("DecodersFF"));
+    EXPECT_FALSE(core.IsPluginLoaded("EncodersFF"));
+    EXPECT_FALSE(core.IsPluginLoaded("NoSuchPlugin"));
+}
+
+TEST_F(CoreManagerTest, RequiringADisabledPluginNamesItAndTheWork) {
+    auto& core = CoreManager::Instance();
+    core.Initialize({}, disabling({"DecodersFF"}), {});
+    core.WaitUntilInitialized();
+    try {
+        core.RequirePlugin("DecodersFF", "read media");
+        FAIL() << "no exception";
+    } catch (const PluginError& error) {
+        EXPECT_STREQ(error.what(), "Can not read media: the plug-in DecodersFF is disabled");
+    }
+    EXPECT_NO_THROW(core.RequirePlugin("EncodersFF", "encode CODEC_ID_H264"));
+}
+
+TEST_F(CoreManagerTest, RequiringAPluginOfAnEngineThatDoesNotRunIsALogicError) {
+    try {
+        CoreManager::Instance().RequirePlugin("DecodersFF", "read media");
+        FAIL() << "no exception";
+    } catch (const std::logic_error& error) {
+        EXPECT_STREQ(error.what(), "Can not read media: the engine is not running");
+    }
+}
+
+TEST_F(CoreManagerTest, TheEncodersPluginGivesTheLibrariesEncoders) {
+    auto& core = CoreManager::Instance();
+    core.Initialize({}, ModuleOptionTable(), {});
+    core.WaitUntilInitialized();
+    EXPECT_EQ(core.EncoderFor("CODEC_ID_H264"), "libx264");
+    EXPECT_EQ(core.EncoderFor("CODEC_ID_HEVC"), "libx265");
+    EXPECT_EQ(core.EncoderFor("CODEC_ID_AAC"), "aac");
+    EXPECT_EQ(core.EncoderFor("CODEC_ID_PNG"), "png");
+    try {
+        core.EncoderFor("CODEC_ID_VP9");
+        FAIL() << "no exception";
+    } catch (const PluginError& error) {
+        EXPECT_STREQ(error.what(),
+                     "Can not encode CODEC_ID_VP9: the media libraries have no encoder for it");
+    }
+}
+
+TEST_F(CoreManagerTest, WithTheEncodersDisabledNoCodecCanBeEncoded) {
+    auto& core = CoreManager::Instance();
+    core.Initialize({}, disabling({"EncodersFF"}), {});
+    core.WaitUntilInitialized();
+    try {
+        core.EncoderFor("CODEC_ID_H264");
+        FAIL() << "no exception";
+    } catch (const PluginError& error) {
+        EXPECT_STREQ(error.what(), "Can not encode CODEC_ID_H264: the plug-in EncodersFF is disabled");
+    }
+}
+
+TEST_F(CoreManagerTest, APluginThatFailsToLoadFailsTheWaitAndLeavesTheEngineDown) {
+    auto& core = CoreManager::Instance();
+    Probe::failNext("PluginRegistry::Load");
+    core.Initialize({}, ModuleOptionTable(), {});
+    try {
+        core.WaitUntilInitialized();
+        FAIL() << "no exception";
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "Injected failure at PluginRegistry::Load");
+    }
+    EXPECT_FALSE(core.IsInitialized());
+    core.Initialize({}, ModuleOptionTable(), {});
+    EXPECT_NO_THROW(core.WaitUntilInitialized());
+    EXPECT_TRUE(core.IsInitialized());
 }

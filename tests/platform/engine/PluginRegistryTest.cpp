@@ -18,3 +18,24 @@ TEST(PluginRegistryTest, IsKnownComparesWholeNamesWithCase) {
     EXPECT_FALSE(PluginRegistry::IsKnown("EffectsFF,EffectsOgl"));
     EXPECT_FALSE(PluginRegistry::IsKnown(""));
 }
+
+TEST(PluginRegistryTest, TheDecodersPluginFindsTheLibrariesDemuxersAndDecoders) {
+    const auto plugin = PluginRegistry::Load("DecodersFF");
+    EXPECT_EQ(plugin.name, "DecodersFF");
+    EXPECT_TRUE(plugin.encoders.empty());
+}
+
+TEST(PluginRegistryTest, TheEncodersPluginFindsTheEditorsEncoders) {
+    const auto plugin = PluginRegistry::Load("EncodersFF");
+    const std::map<std::string, std::string> expected{{"CODEC_ID_AAC", "aac"},
+                                                      {"CODEC_ID_H264", "libx264"},
+                                                      {"CODEC_ID_HEVC", "libx265"},
+                                                      {"CODEC_ID_PNG", "png"}};
+    EXPECT_EQ(plugin.encoders, expected);
+}
+
+TEST(PluginRegistryTest, OtherPluginsGiveNoCodecs) {
+    const auto plugin = PluginRegistry::Load("EffectsFF");
+    EXPECT_EQ(plugin.name, "EffectsFF");
+    EXPECT_TRUE(plugin.encoders.empty());
+}
