@@ -68,7 +68,7 @@ function(editorservice_install_package)
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-    install(DIRECTORY service platform DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/reelsmith
+    install(DIRECTORY service media platform DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/reelsmith
         FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp" PATTERN "rxcpp" EXCLUDE)
     install(DIRECTORY platform/rx/rxcpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/reelsmith
         OPTIONAL FILES_MATCHING PATTERN "*.hpp")

@@ -7,6 +7,8 @@
 #include "host/services/PresetsService.h"
 #include "host/services/RuntimeService.h"
 #include "host/services/TickService.h"
+#include "media/ProbeService.h"
+#include "media/ThumbnailService.h"
 #include "service/api/Error.h"
 #include "service/api/ServiceLoader.h"
 #include "service/services/ScriptService.h"
@@ -49,10 +51,14 @@ void registerHostServices(ServiceLoader& loader, const TimeLimitedService::Expir
     add<PresetService>(loader, expiry,
                        QStringLiteral("Build an export preset from --preset and its overrides"));
     add<PresetsService>(loader, expiry, QStringLiteral("Emit each available export preset"));
+    add<ProbeService>(loader, expiry,
+                      QStringLiteral("Describe a media file: container, duration and streams"));
     add<RuntimeService>(loader, expiry,
                         QStringLiteral("Start the editor runtime's contexts named by --require"));
     add<ScriptService>(loader, expiry, QStringLiteral("Execute commands from script"),
                        std::move(commands));
+    add<ThumbnailService>(loader, expiry,
+                          QStringLiteral("Write the frame at --at of a video as a PNG picture"));
     add<TickService>(
         loader, expiry,
         QStringLiteral("Emit {\"tick\": i} every --interval milliseconds, --count times"));

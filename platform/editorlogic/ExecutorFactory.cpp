@@ -3,7 +3,7 @@
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
 
-#include <QFileInfo>
+#include "platform/engine/CoreManager.h"
 
 namespace Core {
 
@@ -16,19 +16,31 @@ ExecutorFactory::~ExecutorFactory() {
     Velmor::Testing::CallLog::record("Core::ExecutorFactory::~ExecutorFactory");
 }
 
-QString ExecutorFactory::fileParserFor(const QString& path) const {
-    const QFileInfo file(path);
-    if (!file.isFile())
-        return {};
-    return QStringLiteral("FileParser:") + file.suffix().toLower();
+namespace {
+
+void requireDecoders() {
+    Velmor::Core::CoreManager::Instance().RequirePlugin("DecodersFF", "read media");
 }
 
-QString ExecutorFactory::videoDecoderFor(const QString& codec) const {
-    return QStringLiteral("VideoDecoder:") + codec;
+} // namespace
+
+std::unique_ptr<Velmor::AV::Demuxer>
+ExecutorFactory::createFileParser(const QString& path,
+                                  Velmor::AV::Demuxer::Interrupted interrupted) const {
+    requireDecoders();
+    return std::make_unique<Velmor::AV::Demuxer>(path.toStdString(), std::move(interrupted));
 }
 
-QString ExecutorFactory::audioDecoderFor(const QString& codec) const {
-    return QStringLiteral("AudioDecoder:") + codec;
+std::unique_ptr<Velmor::AV::Decoder>
+ExecutorFactory::createVideoDecoder(const Velmor::AV::Demuxer& demuxer, int streamIndex) const {
+    requireDecoders();
+    return std::make_unique<Velmor::AV::Decoder>(demuxer, streamIndex);
+}
+
+std::unique_ptr<Velmor::AV::Decoder>
+ExecutorFactory::createAudioDecoder(const Velmor::AV::Demuxer& demuxer, int streamIndex) const {
+    requireDecoders();
+    return std::make_unique<Velmor::AV::Decoder>(demuxer, streamIndex);
 }
 
 } // namespace Core

@@ -6,7 +6,10 @@
 
 namespace Core {
 
-// Creates the file parsers and the video and audio decoders of the engine.
+// Creates the file parsers and the video and audio decoders of the engine, from the media
+// libraries that the engine's "DecodersFF" plug-in gives: with that plug-in disabled each
+// creation throws Velmor::Core::PluginError "Can not read media: the plug-in DecodersFF is
+// disabled".
 class ExecutorFactory : public Media::ICreatorFileParser,
                         public Media::ICreatorVideoDecoder,
                         public Media::ICreatorAudioDecoder {
@@ -14,9 +17,13 @@ public:
     ExecutorFactory();
     ~ExecutorFactory() override;
 
-    QString fileParserFor(const QString& path) const override;
-    QString videoDecoderFor(const QString& codec) const override;
-    QString audioDecoderFor(const QString& codec) const override;
+    std::unique_ptr<Velmor::AV::Demuxer>
+    createFileParser(const QString& path,
+                     Velmor::AV::Demuxer::Interrupted interrupted) const override;
+    std::unique_ptr<Velmor::AV::Decoder> createVideoDecoder(const Velmor::AV::Demuxer& demuxer,
+                                                            int streamIndex) const override;
+    std::unique_ptr<Velmor::AV::Decoder> createAudioDecoder(const Velmor::AV::Demuxer& demuxer,
+                                                            int streamIndex) const override;
 };
 
 } // namespace Core

@@ -42,9 +42,18 @@ void FileController::submit(std::function<void()> work) {
     m_jobs->submit(std::move(work));
 }
 
-void FileController::open(const QString& path, std::function<void(const QString& parser)> done) {
+void FileController::parse(const QString& path, Parsed done) {
     ICreatorFileParser* parsers = m_parsers;
-    m_jobs->submit([parsers, path, done = std::move(done)] { done(parsers->fileParserFor(path)); });
+    m_jobs->submit([parsers, path, done = std::move(done)] {
+        Velmor::AV::MediaInfo info;
+        try {
+            info = parsers->createFileParser(path, {})->info();
+        } catch (...) {
+            done({}, std::current_exception());
+            return;
+        }
+        done(info, nullptr);
+    });
 }
 
 } // namespace Media

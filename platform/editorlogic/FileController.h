@@ -1,7 +1,10 @@
 #pragma once
 
+#include "platform/av/MediaInfo.h"
+
 #include <QObject>
 #include <QString>
+#include <exception>
 #include <functional>
 #include <memory>
 
@@ -13,9 +16,9 @@ namespace Media {
 
 class ICreatorFileParser;
 
-// Opens media files on a thread of its own. isBusy is emitted on that thread when work starts
-// after a rest, isIdle there when the queue has run dry. The parser creator is borrowed and
-// must outlive the controller.
+// Opens and parses media files on a thread of its own. isBusy is emitted on that thread when
+// work starts after a rest, isIdle there when the queue has run dry. The parser creator is
+// borrowed and must outlive the controller.
 class FileController : public QObject {
     Q_OBJECT
 public:
@@ -27,9 +30,12 @@ public:
 
     ICreatorFileParser* parsers() const;
     void submit(std::function<void()> work);
-    // Finds the parser for the file on the controller's thread and hands its name, empty when
-    // none can read the file, to done there.
-    void open(const QString& path, std::function<void(const QString& parser)> done);
+    // What parsing a file gives: its description, or the failure that stopped it.
+    using Parsed = std::function<void(const Velmor::AV::MediaInfo& info, std::exception_ptr error)>;
+
+    // Opens and parses the file on the controller's thread and hands the description, or the
+    // failure with an empty description, to done there.
+    void parse(const QString& path, Parsed done);
 
 signals:
     void isBusy();

@@ -1,10 +1,22 @@
 #include "platform/editorlogic/FrameExtractor.h"
 
+#include "platform/av/Frame.h"
+#include "platform/av/ImageWriter.h"
+#include "platform/editorlogic/DecodedVideoStream.h"
+#include "platform/editorlogic/StreamProvider.h"
 #include "platform/editorlogic/ThumbnailTaskProvider.h"
+#include "platform/editorlogic/VideoStreamCutter.h"
+#include "platform/engine/CoreManager.h"
+#include "platform/proc/Resizer.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
 
 #include <algorithm>
+#include <stdexcept>
+
+extern "C" {
+#include <libavutil/pixfmt.h>
+}
 
 namespace Thumbnail {
 
@@ -36,6 +48,24 @@ void FrameExtractor::process() {
         while (auto task = provider->takeTask())
             task();
     }
+}
+
+Result FrameExtractor::extract(const Request& request) {
+    Velmor::Core::CoreManager::Instance().EncoderFor("CODEC_ID_PNG");
+    auto* streams = Media::StreamProvider::instance();
+    if (!streams)
+        throw std::logic_error("Can not extract a thumbnail: no stream provider runs");
+    const auto stream = streams->videoStream(request.path);
+    const Velmor::AV::Frame& frame = stream->cutter().frameAt(request.atMilliseconds);
+    const bool original = request.width < 1 || request.height < 1;
+    Velmor::Proc::SettingsResizer settings;
+    settings.width = original ? frame.width() : request.width;
+    settings.height = original ? frame.height() : request.height;
+    settings.mode = request.mode;
+    settings.pixelFormat = AV_PIX_FMT_RGB24;
+    const Velmor::AV::Frame picture = Velmor::Proc::Resizer(settings).Resize(frame);
+    Velmor::AV::writePng(picture, request.output.toStdString());
+    return Result{stream->cutter().frameMilliseconds(), settings.width, settings.height};
 }
 
 } // namespace Thumbnail

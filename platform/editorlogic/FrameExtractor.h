@@ -7,7 +7,9 @@
 namespace Thumbnail {
 
 // Extracts thumbnails from decoded frames. process() runs every task its providers have now,
-// provider by provider in the order they were added.
+// provider by provider in the order they were added. extract() decodes the frame from the
+// process's stream provider, so that thumbnails of one file share its cached stream, resizes
+// it by the request's mode and writes it as PNG through the engine's "EncodersFF" plug-in.
 class FrameExtractor : public Extractor {
 public:
     FrameExtractor();
@@ -16,6 +18,10 @@ public:
     void addProvider(const std::shared_ptr<TaskProvider>& provider) override;
     void removeProvider(const std::shared_ptr<TaskProvider>& provider) override;
     void process() override;
+    // Throws Velmor::Core::PluginError "Can not encode CODEC_ID_PNG: the plug-in EncodersFF is
+    // disabled", what the stream provider and the cutter throw, std::logic_error when no stream
+    // provider runs, and Velmor::AV::MediaError "Can not write <output>: <reason>".
+    Result extract(const Request& request) override;
 
 private:
     std::vector<std::shared_ptr<TaskProvider>> m_providers;

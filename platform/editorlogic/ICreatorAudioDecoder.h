@@ -1,6 +1,8 @@
 #pragma once
 
-#include <QString>
+#include "platform/av/Decoder.h"
+
+#include <memory>
 
 namespace Media {
 
@@ -11,8 +13,9 @@ public:
     ICreatorAudioDecoder& operator=(const ICreatorAudioDecoder&) = delete;
     virtual ~ICreatorAudioDecoder();
 
-    // Names the decoder for an audio stream of the given codec.
-    virtual QString audioDecoderFor(const QString& codec) const = 0;
+    // Opens the decoder of an audio stream of the demuxer.
+    virtual std::unique_ptr<Velmor::AV::Decoder>
+    createAudioDecoder(const Velmor::AV::Demuxer& demuxer, int streamIndex) const = 0;
 };
 
 } // namespace Media

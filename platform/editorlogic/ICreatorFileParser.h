@@ -1,6 +1,9 @@
 #pragma once
 
+#include "platform/av/Demuxer.h"
+
 #include <QString>
+#include <memory>
 
 namespace Media {
 
@@ -11,8 +14,9 @@ public:
     ICreatorFileParser& operator=(const ICreatorFileParser&) = delete;
     virtual ~ICreatorFileParser();
 
-    // Names the parser that reads a media file of the given path; empty when none can.
-    virtual QString fileParserFor(const QString& path) const = 0;
+    // Opens the media file and parses its streams. Throws what opening throws.
+    virtual std::unique_ptr<Velmor::AV::Demuxer>
+    createFileParser(const QString& path, Velmor::AV::Demuxer::Interrupted interrupted) const = 0;
 };
 
 } // namespace Media

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <QString>
+#include "platform/av/Decoder.h"
+
+#include <memory>
 
 namespace Media {
 
@@ -11,8 +13,9 @@ public:
     ICreatorVideoDecoder& operator=(const ICreatorVideoDecoder&) = delete;
     virtual ~ICreatorVideoDecoder();
 
-    // Names the decoder for a video stream of the given codec.
-    virtual QString videoDecoderFor(const QString& codec) const = 0;
+    // Opens the decoder of a video stream of the demuxer.
+    virtual std::unique_ptr<Velmor::AV::Decoder>
+    createVideoDecoder(const Velmor::AV::Demuxer& demuxer, int streamIndex) const = 0;
 };
 
 } // namespace Media

@@ -1,8 +1,15 @@
 #pragma once
 
-#include <QString>
+#include <memory>
+
+namespace Velmor::AV {
+class Decoder;
+class Demuxer;
+} // namespace Velmor::AV
 
 namespace Media {
+
+class VideoStreamCutter;
 
 class ICreatorVideoStreamCutter {
 public:
@@ -11,8 +18,9 @@ public:
     ICreatorVideoStreamCutter& operator=(const ICreatorVideoStreamCutter&) = delete;
     virtual ~ICreatorVideoStreamCutter();
 
-    // Names the cutter for a video stream of the given codec.
-    virtual QString videoStreamCutterFor(const QString& codec) const = 0;
+    // A cutter that puts the decoder's stream on the times asked for; both are borrowed.
+    virtual std::unique_ptr<VideoStreamCutter>
+    createVideoStreamCutter(Velmor::AV::Demuxer& demuxer, Velmor::AV::Decoder& decoder) const = 0;
 };
 
 } // namespace Media

@@ -1,5 +1,6 @@
 #include "platform/editorlogic/StreamProcessorFactory.h"
 
+#include "platform/editorlogic/VideoStreamCutter.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
 
@@ -14,8 +15,10 @@ StreamProcessorFactory::~StreamProcessorFactory() {
     Velmor::Testing::CallLog::record("Core::StreamProcessorFactory::~StreamProcessorFactory");
 }
 
-QString StreamProcessorFactory::videoStreamCutterFor(const QString& codec) const {
-    return QStringLiteral("VideoStreamCutter:") + codec;
+std::unique_ptr<Media::VideoStreamCutter>
+StreamProcessorFactory::createVideoStreamCutter(Velmor::AV::Demuxer& demuxer,
+                                                Velmor::AV::Decoder& decoder) const {
+    return std::make_unique<Media::VideoStreamCutter>(demuxer, decoder);
 }
 
 QString StreamProcessorFactory::audioStreamCutterFor(const QString& codec) const {

@@ -12,7 +12,9 @@ public:
     StreamProcessorFactory();
     ~StreamProcessorFactory() override;
 
-    QString videoStreamCutterFor(const QString& codec) const override;
+    std::unique_ptr<Media::VideoStreamCutter>
+    createVideoStreamCutter(Velmor::AV::Demuxer& demuxer,
+                            Velmor::AV::Decoder& decoder) const override;
     QString audioStreamCutterFor(const QString& codec) const override;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/editorlogic/ThumbnailRequest.h"
+
 #include <memory>
 
 namespace Thumbnail {
@@ -17,6 +19,8 @@ public:
     virtual void addProvider(const std::shared_ptr<TaskProvider>& provider) = 0;
     virtual void removeProvider(const std::shared_ptr<TaskProvider>& provider) = 0;
     virtual void process() = 0;
+    // Takes one thumbnail now, on the calling thread, and writes it to the request's output.
+    virtual Result extract(const Request& request) = 0;
 };
 
 } // namespace Thumbnail

@@ -1,0 +1,22 @@
+#include "media/MediaPath.h"
+
+#include <QCommandLineParser>
+
+namespace EditorService {
+
+QStringList withPathOption(const QStringList& arguments, const QList<QCommandLineOption>& options,
+                           const QCommandLineOption& pathOption) {
+    QCommandLineParser parser;
+    parser.addOptions(options);
+    parser.addHelpOption();
+    parser.parse(arguments);
+    const QStringList positional = parser.positionalArguments();
+    if (positional.isEmpty() || parser.isSet(pathOption))
+        return arguments;
+    // The program path stays first; the positional argument itself is left as a stray one.
+    return QStringList(arguments.mid(0, 1))
+           << QStringLiteral("--%1=%2").arg(pathOption.names().first(), positional.first())
+           << arguments.mid(1);
+}
+
+} // namespace EditorService

@@ -1,0 +1,77 @@
+#include "media/ProbeService.h"
+
+#include "media/RuntimeAccess.h"
+#include "platform/editorlogic/FileController.h"
+
+#include <stdexcept>
+
+namespace EditorService {
+namespace {
+
+nlohmann::json describe(const Velmor::AV::StreamInfo& stream) {
+    nlohmann::json value{{"index", stream.index}, {"type", stream.type}, {"codec", stream.codec}};
+    if (stream.type == "video") {
+        value["width"] = stream.width;
+        value["height"] = stream.height;
+        value["frame_rate"] = stream.frameRate;
+        value["pixel_format"] = stream.pixelFormat;
+    } else if (stream.type == "audio") {
+        value["sample_rate"] = stream.sampleRate;
+        value["channels"] = stream.channels;
+    }
+    return value;
+}
+
+nlohmann::json describe(const QString& path, const Velmor::AV::MediaInfo& info) {
+    nlohmann::json streams = nlohmann::json::array();
+    for (const auto& stream : info.streams)
+        streams.push_back(describe(stream));
+    nlohmann::json bitRate;
+    if (info.bitRate)
+        bitRate = *info.bitRate;
+    return {{"probe",
+             {{"path", path.toStdString()},
+              {"format", info.format},
+              {"duration_ms", info.durationMs},
+              {"bit_rate", bitRate},
+              {"size", info.size},
+              {"streams", streams}}}};
+}
+
+rxcpp::observable<nlohmann::json> probe(const QString& path) {
+    return rxcpp::observable<>::create<nlohmann::json>(
+               [path](rxcpp::subscriber<nlohmann::json> subscriber) {
+                   try {
+                       requireRuntime(GlobalContextProvider::Media);
+                       auto* files = Media::FileController::instance();
+                       if (!files)
+                           throw std::logic_error("The media context has no file controller");
+                       files->parse(path, [subscriber, path](const Velmor::AV::MediaInfo& info,
+                                                             std::exception_ptr error) {
+                           if (error) {
+                               subscriber.on_error(error);
+                               return;
+                           }
+                           subscriber.on_next(describe(path, info));
+                           subscriber.on_completed();
+                       });
+                   } catch (...) {
+                       subscriber.on_error(std::current_exception());
+                   }
+               })
+        .as_dynamic();
+}
+
+} // namespace
+
+QString ProbeService::serviceId() {
+    return QStringLiteral("probe");
+}
+
+rxcpp::observable<nlohmann::json>
+ProbeService::run(const rxcpp::observable<ProbeRequest>& requests) {
+    return requests.flat_map([](const ProbeRequest& request) { return probe(request.path); })
+        .as_dynamic();
+}
+
+} // namespace EditorService

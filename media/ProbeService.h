@@ -1,0 +1,26 @@
+#pragma once
+
+#include "media/ProbeRequest.h"
+#include "service/requests/DefaultServiceImpl.h"
+
+namespace EditorService {
+
+// Describes a media file, parsed by the media layer's file controller on its thread, as one
+// value and then completes:
+//     {"probe": {"path", "format", "duration_ms", "bit_rate", "size", "streams": [...]}}
+// "format" is the demuxer's name, "bit_rate" null when unknown; each stream has "index",
+// "type" and "codec", video streams "width", "height", "frame_rate" ("num/den") and
+// "pixel_format", audio streams "sample_rate" and "channels". The media context is started on
+// the subscribing thread; the value comes on the file controller's thread. A file that can't
+// be read ends the stream with Velmor::AV::MediaError, a disabled "DecodersFF" plug-in with
+// Velmor::Core::PluginError.
+class ProbeService : public DefaultServiceImpl<ProbeRequest> {
+public:
+    // "probe".
+    static QString serviceId();
+
+    using DefaultServiceImpl<ProbeRequest>::run;
+    rxcpp::observable<nlohmann::json> run(const rxcpp::observable<ProbeRequest>& requests) override;
+};
+
+} // namespace EditorService

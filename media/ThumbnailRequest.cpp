@@ -1,0 +1,48 @@
+#include "media/ThumbnailRequest.h"
+
+#include "service/api/Error.h"
+
+namespace EditorService {
+
+QCommandLineOption ThumbnailRequest::pathOption() {
+    return QCommandLineOption(QStringLiteral("path"),
+                              QStringLiteral("The video file; may stand first without the "
+                                             "option's name."),
+                              QStringLiteral("path"));
+}
+
+QCommandLineOption ThumbnailRequest::outputOption() {
+    return QCommandLineOption(QStringLiteral("output"),
+                              QStringLiteral("The PNG file to write; what stands there is "
+                                             "replaced."),
+                              QStringLiteral("file.png"));
+}
+
+QCommandLineOption ThumbnailRequest::atOption() {
+    return QCommandLineOption(QStringLiteral("at"),
+                              QStringLiteral("Time of the frame in milliseconds from the start: "
+                                             "the last frame shown at or before it."),
+                              QStringLiteral("ms"), QStringLiteral("0"));
+}
+
+QString ThumbnailRequest::description() const {
+    return QStringLiteral("Write the frame on screen at a time of a video as a PNG picture, "
+                          "fitted to a frame size, and emit {\"thumbnail\": {...}}.");
+}
+
+void ThumbnailRequest::validateOnLoad() const {
+    if (path.isEmpty())
+        throw Error("No media file specified, try --help for all available options");
+    if (output.isEmpty())
+        throw Error("No output file specified, try --help for all available options");
+    if (at < 0)
+        throw Error(QStringLiteral("--at must not be negative, is %1").arg(at).toStdString());
+    if (frameSize && !frameSize->isOriginal() && (frameSize->width < 1 || frameSize->height < 1)) {
+        throw Error(QStringLiteral("Frame size must be at least 1:1, is %1:%2")
+                        .arg(QString::number(frameSize->width),
+                             QString::number(frameSize->height))
+                        .toStdString());
+    }
+}
+
+} // namespace EditorService

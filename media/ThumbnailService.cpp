@@ -1,0 +1,72 @@
+#include "media/ThumbnailService.h"
+
+#include "media/RuntimeAccess.h"
+#include "platform/editorlogic/ThumbnailController.h"
+
+#include <stdexcept>
+
+namespace EditorService {
+namespace {
+
+Thumbnail::Request toTask(const ThumbnailRequest& request) {
+    Thumbnail::Request task;
+    task.path = request.path;
+    task.output = request.output;
+    task.atMilliseconds = request.at;
+    if (request.frameSize && !request.frameSize->isOriginal()) {
+        task.width = request.frameSize->width;
+        task.height = request.frameSize->height;
+    }
+    if (request.resizeFillMode)
+        task.mode = *request.resizeFillMode;
+    return task;
+}
+
+nlohmann::json describe(const ThumbnailRequest& request, const Thumbnail::Result& result) {
+    return {{"thumbnail",
+             {{"path", request.path.toStdString()},
+              {"output", request.output.toStdString()},
+              {"at_ms", request.at},
+              {"frame_ms", result.frameMilliseconds},
+              {"width", result.width},
+              {"height", result.height}}}};
+}
+
+rxcpp::observable<nlohmann::json> thumbnail(const ThumbnailRequest& request) {
+    return rxcpp::observable<>::create<nlohmann::json>(
+               [request](rxcpp::subscriber<nlohmann::json> subscriber) {
+                   try {
+                       requireRuntime(GlobalContextProvider::Render);
+                       auto* thumbnails = Thumbnail::Controller::instance();
+                       if (!thumbnails)
+                           throw std::logic_error("The render context has no thumbnail controller");
+                       thumbnails->extract(toTask(request), [subscriber, request](
+                                                                const Thumbnail::Result& result,
+                                                                std::exception_ptr error) {
+                           if (error) {
+                               subscriber.on_error(error);
+                               return;
+                           }
+                           subscriber.on_next(describe(request, result));
+                           subscriber.on_completed();
+                       });
+                   } catch (...) {
+                       subscriber.on_error(std::current_exception());
+                   }
+               })
+        .as_dynamic();
+}
+
+} // namespace
+
+QString ThumbnailService::serviceId() {
+    return QStringLiteral("thumbnail");
+}
+
+rxcpp::observable<nlohmann::json>
+ThumbnailService::run(const rxcpp::observable<ThumbnailRequest>& requests) {
+    return requests.flat_map([](const ThumbnailRequest& request) { return thumbnail(request); })
+        .as_dynamic();
+}
+
+} // namespace EditorService

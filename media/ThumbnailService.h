@@ -1,0 +1,27 @@
+#pragma once
+
+#include "media/ThumbnailRequest.h"
+#include "service/requests/DefaultServiceImpl.h"
+
+namespace EditorService {
+
+// Takes one thumbnail per request through the render context's thumbnail controller, which
+// runs it as a task of the media layer (busy while it works), and emits one value, then
+// completes:
+//     {"thumbnail": {"path", "output", "at_ms", "frame_ms", "width", "height"}}
+// "frame_ms" is the display time of the frame taken. The render context, with what it needs,
+// is started on the subscribing thread; the value comes on the task controller's thread.
+// Failures end the stream with their exception: Velmor::AV::MediaError for a file that can't
+// be read, has no video stream, or ends before the time, or an output that can't be written;
+// Velmor::Core::PluginError for a disabled "DecodersFF" or "EncodersFF" plug-in.
+class ThumbnailService : public DefaultServiceImpl<ThumbnailRequest> {
+public:
+    // "thumbnail".
+    static QString serviceId();
+
+    using DefaultServiceImpl<ThumbnailRequest>::run;
+    rxcpp::observable<nlohmann::json>
+    run(const rxcpp::observable<ThumbnailRequest>& requests) override;
+};
+
+} // namespace EditorService

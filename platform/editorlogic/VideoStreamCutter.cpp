@@ -1,0 +1,121 @@
+#include "platform/editorlogic/VideoStreamCutter.h"
+
+#include "platform/av/Decoder.h"
+#include "platform/av/Demuxer.h"
+#include "platform/av/Frame.h"
+#include "platform/av/MediaError.h"
+
+extern "C" {
+#include <libavformat/avformat.h>
+}
+
+namespace Media {
+
+using Velmor::AV::Frame;
+using Velmor::AV::MediaError;
+
+class VideoStreamCutter::Private {
+public:
+    Velmor::AV::Demuxer& demuxer;
+    Velmor::AV::Decoder& decoder;
+    AVStream* stream;
+    // The file's start, in the stream's time base: times asked for count from it.
+    std::int64_t start;
+    Frame current;
+    Frame ahead;
+    bool hasCurrent = false;
+    bool hasAhead = false;
+    int seeks = 0;
+
+    Private(Velmor::AV::Demuxer& demuxer, Velmor::AV::Decoder& decoder)
+        : demuxer(demuxer)
+        , decoder(decoder)
+        , stream(demuxer.stream(decoder.streamIndex())) {
+        const std::int64_t fileStart = demuxer.context()->start_time;
+        start = fileStart == AV_NOPTS_VALUE
+                    ? 0
+                    : av_rescale_q(fileStart, AV_TIME_BASE_Q, stream->time_base);
+    }
+
+    std::int64_t toStream(std::int64_t milliseconds) const {
+        return start + av_rescale_q(milliseconds, AVRational{1, 1000}, stream->time_base);
+    }
+
+    std::int64_t toMilliseconds(std::int64_t timestamp) const {
+        return av_rescale_q(timestamp - start, stream->time_base, AVRational{1, 1000});
+    }
+
+    // Whether decoding on from the current frame reaches the target before a key frame would.
+    bool decodingOnIsCheaper(std::int64_t target) const {
+        if (!hasCurrent || current.timestamp() > target)
+            return false;
+        const int entry = av_index_search_timestamp(stream, target, AVSEEK_FLAG_BACKWARD);
+        if (entry < 0)
+            return true;
+        return avformat_index_get_entry(stream, entry)->timestamp <= current.timestamp();
+    }
+
+    void seek(std::int64_t target) {
+        demuxer.seek(stream->index, target);
+        decoder.flush();
+        hasCurrent = false;
+        hasAhead = false;
+        ++seeks;
+    }
+
+    void decodeTo(std::int64_t target) {
+        if (hasAhead) {
+            if (ahead.timestamp() > target)
+                return;
+            std::swap(current, ahead);
+            hasCurrent = true;
+            hasAhead = false;
+        }
+        Frame next;
+        while (decoder.decodeNext(demuxer, next)) {
+            if (next.timestamp() > target) {
+                std::swap(ahead, next);
+                hasAhead = true;
+                return;
+            }
+            std::swap(current, next);
+            hasCurrent = true;
+        }
+    }
+};
+
+VideoStreamCutter::VideoStreamCutter(Velmor::AV::Demuxer& demuxer, Velmor::AV::Decoder& decoder)
+    : d(std::make_unique<Private>(demuxer, decoder)) {}
+
+VideoStreamCutter::~VideoStreamCutter() = default;
+
+const Frame& VideoStreamCutter::frameAt(std::int64_t milliseconds) {
+    const std::int64_t duration = d->demuxer.info().durationMs;
+    if (milliseconds > duration) {
+        throw MediaError("Time " + std::to_string(milliseconds) + " ms is past the end of "
+                         + d->demuxer.path() + " (" + std::to_string(duration) + " ms)");
+    }
+    const std::int64_t target = d->toStream(milliseconds);
+    if (!d->decodingOnIsCheaper(target))
+        d->seek(target);
+    d->decodeTo(target);
+    if (!d->hasCurrent && d->hasAhead) {
+        // Before the first frame the first frame shows.
+        std::swap(d->current, d->ahead);
+        d->hasCurrent = true;
+        d->hasAhead = false;
+    }
+    if (!d->hasCurrent)
+        throw MediaError("No frame in " + d->demuxer.path());
+    return d->current;
+}
+
+std::int64_t VideoStreamCutter::frameMilliseconds() const {
+    return d->hasCurrent ? d->toMilliseconds(d->current.timestamp()) : 0;
+}
+
+int VideoStreamCutter::seeks() const {
+    return d->seeks;
+}
+
+} // namespace Media
