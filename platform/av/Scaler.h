@@ -19,8 +19,10 @@ public:
     Scaler& operator=(Scaler&&) noexcept;
 
     // Scales `sourceRegion` of `source` onto `targetRegion` of `target`, converting from the
-    // source's pixel format and range to the target's; the target's other pixels stay as they
-    // were. Region offsets in subsampled formats should be multiples of the chroma block.
+    // source's pixel format and range to the target's. The target's pixels left of, above and
+    // below the region stay as they were; those right of it on its rows may not (libswscale
+    // writes rows in blocks of 8 pixels or more), so paint them after scaling. Region offsets
+    // in subsampled formats should be multiples of the chroma block.
     // Throws std::out_of_range for a region outside its picture, MediaError when libswscale
     // refuses.
     void scale(const Frame& source, const Rect& sourceRegion, Frame& target,

@@ -65,6 +65,22 @@ TEST(ScalerTest, SameSizeRegionCopiesItsColumnsAndLeavesTheRestAlone) {
     }
 }
 
+TEST(ScalerTest, ScalingLeavesThePixelsLeftAboveAndBelowTheRegionAlone) {
+    Frame source = Frame::picture(90, 180, AV_PIX_FMT_GRAY8);
+    fillPlane(source, 0, 90, 180, 255);
+    Frame target = Frame::picture(160, 90, AV_PIX_FMT_GRAY8);
+    fillPlane(target, 0, 160, 90, 7);
+
+    Scaler().scale(source, Rect{0, 0, 90, 180}, target, Rect{57, 10, 45, 70});
+
+    for (int y = 0; y < 90; ++y) {
+        for (int x = 0; x < 102; ++x) {
+            const bool inside = x >= 57 && y >= 10 && y < 80;
+            ASSERT_EQ(pixel(target, 0, x, y), inside ? 255 : 7) << x << "," << y;
+        }
+    }
+}
+
 TEST(ScalerTest, RgbWhiteBecomesLimitedRangeWhiteInYuv) {
     Frame source = Frame::picture(16, 16, AV_PIX_FMT_RGB24);
     fillPlane(source, 0, 16 * 3, 16, 255);
