@@ -62,6 +62,11 @@ public:
         if (context && geometry == wanted)
             return context.get();
         context.reset();
+        // libswscale 6 leaks a slice thread's context when sws_init_context refuses a format,
+        // so formats are refused before, with the same reason.
+        if (!sws_isSupportedInput(static_cast<AVPixelFormat>(wanted.sourceFormat))
+            || !sws_isSupportedOutput(static_cast<AVPixelFormat>(wanted.targetFormat)))
+            check(AVERROR(EINVAL), "Can not set up scaling from " + wanted.text());
         ContextPointer made(sws_alloc_context());
         if (!made)
             throw std::bad_alloc();
