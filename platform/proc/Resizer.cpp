@@ -51,7 +51,7 @@ AV::Frame Resizer::Resize(const AV::Frame& source) {
     AV::Frame output = AV::Frame::picture(targetSize.width, targetSize.height, outputFormat);
     AV::copyProperties(output, source);
     d->scaler.scale(source, geometry.source, output, geometry.target);
-    // After scaling: libswscale writes whole blocks of a row, past the picture's right edge.
+    // After scaling: libswscale writes rows in whole blocks, into the bar on the right.
     for (const AV::Rect& bar : barsAround(geometry.target, targetSize)) {
         if (!bar.isEmpty())
             AV::paintBlack(output, bar);
