@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/av/Frame.h"
 #include "platform/proc/SettingsResizer.h"
 
 #include <string>
@@ -11,6 +12,10 @@ namespace Velmor::Proc {
 class IResize {
 public:
     virtual ~IResize();
+
+    // The source fitted into the stage's size and pixel format, with the source's timestamps
+    // and properties.
+    virtual AV::Frame Resize(const AV::Frame& source) = 0;
 
     // The mode's name: "Fit", "Fill", "Stretch", "FitWidth", "FitHeight", "Center" for 0 to 5.
     // Throws std::out_of_range for a number outside the six modes.

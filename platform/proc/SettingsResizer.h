@@ -15,6 +15,13 @@ public:
         FitHeight = 4, // scaled to the height, the width cropped or barred
         Center = 5,    // not scaled, centred
     };
+
+    // The size of every frame out of the stage.
+    int width = 0;
+    int height = 0;
+    CustomModes mode = Fit;
+    // The AVPixelFormat out of the stage (AV::pixelFormat("yuv420p")); -1 keeps the source's.
+    int pixelFormat = -1;
 };
 
 } // namespace Velmor::Proc
