@@ -6,6 +6,7 @@
 #include "platform/av/MediaError.h"
 
 extern "C" {
+#include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 }
 
@@ -46,13 +47,25 @@ public:
     }
 
     // Whether decoding on from the current frame reaches the target before a key frame would.
+    // The index counts in decoding order, which runs ahead of display order by the frames the
+    // codec holds back; the current frame's place there is its packet's.
     bool decodingOnIsCheaper(std::int64_t target) const {
         if (!hasCurrent || current.timestamp() > target)
             return false;
-        const int entry = av_index_search_timestamp(stream, target, AVSEEK_FLAG_BACKWARD);
+        const int entry = av_index_search_timestamp(stream, target - reorderDelay(),
+                                                    AVSEEK_FLAG_BACKWARD);
         if (entry < 0)
             return true;
-        return avformat_index_get_entry(stream, entry)->timestamp <= current.timestamp();
+        const std::int64_t decoded =
+            current->pkt_dts != AV_NOPTS_VALUE ? current->pkt_dts : current.timestamp();
+        return avformat_index_get_entry(stream, entry)->timestamp <= decoded;
+    }
+
+    std::int64_t reorderDelay() const {
+        const AVRational rate = stream->avg_frame_rate;
+        if (rate.num <= 0 || rate.den <= 0)
+            return 0;
+        return decoder.context()->has_b_frames * av_rescale_q(1, av_inv_q(rate), stream->time_base);
     }
 
     void seek(std::int64_t target) {
@@ -61,6 +74,22 @@ public:
         hasCurrent = false;
         hasAhead = false;
         ++seeks;
+    }
+
+    // Seeks to the target and decodes to it. A key frame found by decoding order may show after
+    // the target; the seek then steps back, a second, two, four..., until a frame at or before
+    // the target comes out or the stream's start is reached.
+    void seekTo(std::int64_t target) {
+        const std::int64_t second = av_rescale_q(1, AVRational{1, 1}, stream->time_base);
+        const std::int64_t first = stream->start_time != AV_NOPTS_VALUE ? stream->start_time : 0;
+        std::int64_t back = 0;
+        while (true) {
+            seek(target - back);
+            decodeTo(target);
+            if (hasCurrent || !hasAhead || target - back <= first)
+                return;
+            back = back == 0 ? second : back * 2;
+        }
     }
 
     void decodeTo(std::int64_t target) {
@@ -96,9 +125,10 @@ const Frame& VideoStreamCutter::frameAt(std::int64_t milliseconds) {
                          + d->demuxer.path() + " (" + std::to_string(duration) + " ms)");
     }
     const std::int64_t target = d->toStream(milliseconds);
-    if (!d->decodingOnIsCheaper(target))
-        d->seek(target);
-    d->decodeTo(target);
+    if (d->decodingOnIsCheaper(target))
+        d->decodeTo(target);
+    else
+        d->seekTo(target);
     if (!d->hasCurrent && d->hasAhead) {
         // Before the first frame the first frame shows.
         std::swap(d->current, d->ahead);

@@ -1,29 +1,61 @@
 #include "platform/editorlogic/ExecutorFactory.h"
 
+#include "platform/av/MediaError.h"
+#include "platform/engine/PluginError.h"
 #include "platform/foundation/CallLog.h"
+#include "tests/platform/editorlogic/RunningEngine.h"
+#include "tests/support/MediaFixtures.h"
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+using EditorService::Testing::mediaFixture;
+using EditorService::Testing::RunningEngine;
 using Velmor::Testing::CallLog;
 
-TEST(ExecutorFactoryTest, NamesAParserOnlyForAFileThatExists) {
-    QTemporaryDir directory;
-    ASSERT_TRUE(directory.isValid());
-    QFile file(directory.filePath("clip.mov"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.close();
-    const Core::ExecutorFactory factory;
-    EXPECT_EQ(factory.fileParserFor(directory.filePath("clip.mov")), "FileParser:mov");
-    EXPECT_EQ(factory.fileParserFor(directory.filePath("missing.mov")), QString());
-    EXPECT_EQ(factory.fileParserFor(directory.path()), QString());
+namespace {
+
+QString fixture(const std::string& name) {
+    return QString::fromStdString(mediaFixture(name));
 }
 
-TEST(ExecutorFactoryTest, NamesDecodersByCodec) {
+} // namespace
+
+TEST(ExecutorFactoryTest, OpensAFileAndParsesItsStreams) {
+    const RunningEngine engine;
     const Core::ExecutorFactory factory;
-    EXPECT_EQ(factory.videoDecoderFor("h264"), "VideoDecoder:h264");
-    EXPECT_EQ(factory.audioDecoderFor("aac"), "AudioDecoder:aac");
+    const auto parser = factory.createFileParser(fixture("h264_aac.mp4"), {});
+    EXPECT_EQ(parser->info().streams.size(), 2u);
+}
+
+TEST(ExecutorFactoryTest, OpensTheDecodersOfVideoAndAudioStreams) {
+    const RunningEngine engine;
+    const Core::ExecutorFactory factory;
+    const auto parser = factory.createFileParser(fixture("h264_aac.mp4"), {});
+    EXPECT_EQ(factory.createVideoDecoder(*parser, 0)->streamIndex(), 0);
+    EXPECT_EQ(factory.createAudioDecoder(*parser, 1)->streamIndex(), 1);
+}
+
+TEST(ExecutorFactoryTest, AFileThatCanNotBeOpenedFailsWithTheReason) {
+    const RunningEngine engine;
+    const Core::ExecutorFactory factory;
+    try {
+        factory.createFileParser(QStringLiteral("/nonexistent/a.mp4"), {});
+        FAIL() << "no exception";
+    } catch (const Velmor::AV::MediaError& error) {
+        EXPECT_STREQ(error.what(),
+                     "Can not open media file: /nonexistent/a.mp4: No such file or directory");
+    }
+}
+
+TEST(ExecutorFactoryTest, WithTheDecodersPluginDisabledNothingIsRead) {
+    const RunningEngine engine({"DecodersFF"});
+    const Core::ExecutorFactory factory;
+    try {
+        factory.createFileParser(fixture("h264_aac.mp4"), {});
+        FAIL() << "no exception";
+    } catch (const Velmor::Core::PluginError& error) {
+        EXPECT_STREQ(error.what(), "Can not read media: the plug-in DecodersFF is disabled");
+    }
 }
 
 TEST(ExecutorFactoryTest, ConstructionAndDestructionAreRecorded) {

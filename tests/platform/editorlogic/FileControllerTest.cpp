@@ -1,8 +1,11 @@
 #include "platform/editorlogic/FileController.h"
 
+#include "platform/av/MediaError.h"
 #include "platform/editorlogic/ExecutorFactory.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
+#include "tests/platform/editorlogic/RunningEngine.h"
+#include "tests/support/MediaFixtures.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -36,13 +39,9 @@ TEST_F(FileControllerTest, KeepsTheParserCreatorItWasGiven) {
     EXPECT_EQ(controller.parsers(), static_cast<Media::ICreatorFileParser*>(&parsers));
 }
 
-TEST_F(FileControllerTest, OpensAFileOnItsOwnThreadBetweenBusyAndIdle) {
-    QTemporaryDir directory;
-    ASSERT_TRUE(directory.isValid());
-    const QString path = directory.filePath("clip.MP4");
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.close();
+TEST_F(FileControllerTest, ParsesAFileOnItsOwnThreadBetweenBusyAndIdle) {
+    const EditorService::Testing::RunningEngine engine;
+    const QString path = QString::fromStdString(EditorService::Testing::mediaFixture("clip.mov"));
 
     std::mutex mutex;
     std::vector<std::string> events;
@@ -64,13 +63,35 @@ TEST_F(FileControllerTest, OpensAFileOnItsOwnThreadBetweenBusyAndIdle) {
             idle.set_value();
         },
         Qt::DirectConnection);
-    controller.open(path, [&](const QString& parser) { note(parser.toStdString()); });
+    controller.parse(path, [&](const Velmor::AV::MediaInfo& info, std::exception_ptr error) {
+        note(error ? "failed" : info.format);
+    });
     ASSERT_EQ(idle.get_future().wait_for(generously), std::future_status::ready);
     std::lock_guard<std::mutex> lock(mutex);
-    const std::vector<std::string> expected{"isBusy", "FileParser:mp4", "isIdle"};
+    const std::vector<std::string> expected{"isBusy", "mov,mp4,m4a,3gp,3g2,mj2", "isIdle"};
     EXPECT_EQ(events, expected);
     for (const auto& thread : threads)
         EXPECT_NE(thread, std::this_thread::get_id());
+}
+
+TEST_F(FileControllerTest, AFileThatCanNotBeParsedGivesTheFailureAndNoDescription) {
+    const EditorService::Testing::RunningEngine engine;
+    const QString path = QString::fromStdString(EditorService::Testing::mediaFixture("notmedia.txt"));
+    std::promise<std::pair<std::string, std::string>> parsed;
+    Media::FileController controller(&parsers);
+    controller.parse(path, [&](const Velmor::AV::MediaInfo& info, std::exception_ptr error) {
+        try {
+            std::rethrow_exception(error);
+        } catch (const Velmor::AV::MediaError& failure) {
+            parsed.set_value({info.format, failure.what()});
+        }
+    });
+    auto result = parsed.get_future();
+    ASSERT_EQ(result.wait_for(generously), std::future_status::ready);
+    const auto [format, failure] = result.get();
+    EXPECT_EQ(format, "");
+    EXPECT_EQ(failure, "Can not open media file: " + path.toStdString()
+                           + ": Invalid data found when processing input");
 }
 
 TEST_F(FileControllerTest, SubmittedWorkRunsOnTheControllersThread) {

@@ -1,11 +1,27 @@
 #include "platform/editorlogic/FrameExtractor.h"
 
+#include "platform/av/Decoder.h"
+#include "platform/av/Demuxer.h"
+#include "platform/av/Frame.h"
+#include "platform/editorlogic/ExecutorFactory.h"
+#include "platform/editorlogic/StreamProcessorFactory.h"
+#include "platform/editorlogic/StreamProvider.h"
 #include "platform/editorlogic/ThumbnailTaskProvider.h"
+#include "platform/engine/PluginError.h"
 #include "platform/foundation/CallLog.h"
+#include "tests/platform/editorlogic/RunningEngine.h"
+#include "tests/support/MediaFixtures.h"
+
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <deque>
 #include <gtest/gtest.h>
 #include <type_traits>
+
+extern "C" {
+#include <libavutil/frame.h>
+}
 
 using Velmor::Testing::CallLog;
 
@@ -65,4 +81,92 @@ TEST(FrameExtractorTest, ConstructionAndDestructionAreRecorded) {
     const std::vector<std::string> expected{"Thumbnail::FrameExtractor::FrameExtractor",
                                             "Thumbnail::FrameExtractor::~FrameExtractor"};
     EXPECT_EQ(CallLog::entries(), expected);
+}
+
+namespace {
+
+class FrameExtractionTest : public testing::Test {
+protected:
+    Thumbnail::Result extract(Thumbnail::Request request) {
+        request.path = QString::fromStdString(EditorService::Testing::mediaFixture("noaudio.mp4"));
+        request.output = output;
+        return extractor.extract(request);
+    }
+
+    Velmor::AV::Frame readOutput() {
+        Velmor::AV::Demuxer demuxer(output.toStdString());
+        Velmor::AV::Decoder decoder(demuxer, 0);
+        Velmor::AV::Frame picture;
+        EXPECT_TRUE(decoder.decodeNext(demuxer, picture));
+        return picture;
+    }
+
+    QTemporaryDir directory;
+    QString output = directory.filePath("thumbnail.png");
+    Core::ExecutorFactory executors;
+    Core::StreamProcessorFactory processors;
+    Thumbnail::FrameExtractor extractor;
+};
+
+class FrameExtractionWithEngineTest : public FrameExtractionTest {
+protected:
+    EditorService::Testing::RunningEngine engine;
+    Media::StreamProvider streams{&executors, &executors, &processors, &processors, 5000};
+};
+
+class FrameExtractionWithoutEncodersTest : public FrameExtractionTest {
+protected:
+    EditorService::Testing::RunningEngine engine{{"EncodersFF"}};
+    Media::StreamProvider streams{&executors, &executors, &processors, &processors, 5000};
+};
+
+} // namespace
+
+TEST_F(FrameExtractionWithEngineTest, WritesTheFrameShownAtTheTimeInItsOwnSize) {
+    Thumbnail::Request request;
+    request.atMilliseconds = 1500;
+    const auto result = extract(request);
+    EXPECT_EQ(result.frameMilliseconds, 1480);
+    EXPECT_EQ(result.width, 320);
+    EXPECT_EQ(result.height, 240);
+    const auto picture = readOutput();
+    EXPECT_EQ(picture.width(), 320);
+    EXPECT_EQ(picture.height(), 240);
+}
+
+TEST_F(FrameExtractionWithEngineTest, FitsTheFrameIntoTheSizeAskedForWithBars) {
+    Thumbnail::Request request;
+    request.width = 160;
+    request.height = 160;
+    request.mode = Velmor::Proc::SettingsResizer::Fit;
+    const auto result = extract(request);
+    EXPECT_EQ(result.width, 160);
+    EXPECT_EQ(result.height, 160);
+    const auto picture = readOutput();
+    ASSERT_EQ(picture.height(), 160);
+    // 4:3 into a square: 120 rows of picture between bars of 20 rows.
+    const std::uint8_t* top = picture->data[0] + 5 * picture->linesize[0] + 80 * 3;
+    EXPECT_EQ(top[0] + top[1] + top[2], 0);
+    const std::uint8_t* middle = picture->data[0] + 80 * picture->linesize[0] + 80 * 3;
+    EXPECT_GT(middle[0] + middle[1] + middle[2], 0);
+}
+
+TEST_F(FrameExtractionWithoutEncodersTest, NoPictureIsWritten) {
+    try {
+        extract({});
+        FAIL() << "no exception";
+    } catch (const Velmor::Core::PluginError& error) {
+        EXPECT_STREQ(error.what(), "Can not encode CODEC_ID_PNG: the plug-in EncodersFF is disabled");
+    }
+    EXPECT_FALSE(QFile::exists(output));
+}
+
+TEST_F(FrameExtractionTest, WithoutAStreamProviderExtractionIsALogicError) {
+    const EditorService::Testing::RunningEngine engine;
+    try {
+        extract({});
+        FAIL() << "no exception";
+    } catch (const std::logic_error& error) {
+        EXPECT_STREQ(error.what(), "Can not extract a thumbnail: no stream provider runs");
+    }
 }

@@ -1,9 +1,21 @@
 #include "platform/editorlogic/ThumbnailController.h"
 
+#include "platform/av/MediaError.h"
+#include "platform/editorlogic/ExecutorFactory.h"
 #include "platform/editorlogic/FrameExtractor.h"
+#include "platform/editorlogic/StreamProcessorFactory.h"
+#include "platform/editorlogic/StreamProvider.h"
+#include "platform/editorlogic/TaskController.h"
 #include "platform/foundation/CallLog.h"
+#include "tests/platform/editorlogic/RunningEngine.h"
+#include "tests/support/MediaFixtures.h"
 
+#include <QFile>
+#include <QTemporaryDir>
+#include <atomic>
+#include <future>
 #include <gtest/gtest.h>
+#include <thread>
 
 using Velmor::Testing::CallLog;
 
@@ -20,4 +32,81 @@ TEST(ThumbnailControllerTest, SharesItsExtractorAndReleasesItWhenDestroyed) {
         "Thumbnail::FrameExtractor::FrameExtractor", "Thumbnail::Controller::Controller",
         "Thumbnail::Controller::~Controller", "Thumbnail::FrameExtractor::~FrameExtractor"};
     EXPECT_EQ(CallLog::entries(), expected);
+}
+
+TEST(ThumbnailControllerTest, ExtractionRunsAsATaskOfTheTaskController) {
+    const EditorService::Testing::RunningEngine engine;
+    Core::ExecutorFactory executors;
+    Core::StreamProcessorFactory processors;
+    Media::StreamProvider streams(&executors, &executors, &processors, &processors, 5000);
+    Task::Controller tasks;
+    std::promise<void> idle;
+    std::atomic<int> busy{0};
+    QObject::connect(
+        &tasks, &Task::Controller::isBusy, &tasks, [&] { ++busy; }, Qt::DirectConnection);
+    QObject::connect(
+        &tasks, &Task::Controller::isIdle, &tasks, [&] { idle.set_value(); }, Qt::DirectConnection);
+    QTemporaryDir directory;
+    Thumbnail::Controller controller(std::make_shared<Thumbnail::FrameExtractor>());
+    Thumbnail::Request request;
+    request.path = QString::fromStdString(EditorService::Testing::mediaFixture("clip.webm"));
+    request.output = directory.filePath("t.png");
+    request.atMilliseconds = 1000;
+    std::promise<std::pair<Thumbnail::Result, std::thread::id>> done;
+    controller.extract(request, [&](const Thumbnail::Result& result, std::exception_ptr error) {
+        EXPECT_FALSE(error);
+        done.set_value({result, std::this_thread::get_id()});
+    });
+    auto result = done.get_future();
+    ASSERT_EQ(result.wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    const auto [taken, thread] = result.get();
+    // The clip's video starts 3 ms into the file: its frames show at 3, 43, ... 963, 1003 ms.
+    EXPECT_EQ(taken.frameMilliseconds, 963);
+    EXPECT_NE(thread, std::this_thread::get_id());
+    ASSERT_EQ(idle.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    EXPECT_EQ(busy.load(), 1);
+    EXPECT_TRUE(QFile::exists(request.output));
+}
+
+TEST(ThumbnailControllerTest, AFailureReachesDoneInsteadOfAResult) {
+    const EditorService::Testing::RunningEngine engine;
+    Core::ExecutorFactory executors;
+    Core::StreamProcessorFactory processors;
+    Media::StreamProvider streams(&executors, &executors, &processors, &processors, 5000);
+    Task::Controller tasks;
+    Thumbnail::Controller controller(std::make_shared<Thumbnail::FrameExtractor>());
+    Thumbnail::Request request;
+    request.path = QStringLiteral("/nonexistent/a.mp4");
+    request.output = QStringLiteral("/nonexistent/t.png");
+    std::promise<std::string> failed;
+    controller.extract(request, [&](const Thumbnail::Result&, std::exception_ptr error) {
+        try {
+            std::rethrow_exception(error);
+        } catch (const Velmor::AV::MediaError& failure) {
+            failed.set_value(failure.what());
+        }
+    });
+    auto failure = failed.get_future();
+    ASSERT_EQ(failure.wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    EXPECT_EQ(failure.get(),
+              "Can not open media file: /nonexistent/a.mp4: No such file or directory");
+}
+
+TEST(ThumbnailControllerTest, WithoutATaskControllerExtractionIsALogicError) {
+    Thumbnail::Controller controller(std::make_shared<Thumbnail::FrameExtractor>());
+    try {
+        controller.extract({}, [](const Thumbnail::Result&, std::exception_ptr) {});
+        FAIL() << "no exception";
+    } catch (const std::logic_error& error) {
+        EXPECT_STREQ(error.what(), "Can not extract a thumbnail: no task controller runs");
+    }
+}
+
+TEST(ThumbnailControllerTest, InstanceIsTheLastControllerStillAlive) {
+    EXPECT_EQ(Thumbnail::Controller::instance(), nullptr);
+    {
+        const Thumbnail::Controller controller(std::make_shared<Thumbnail::FrameExtractor>());
+        EXPECT_EQ(Thumbnail::Controller::instance(), &controller);
+    }
+    EXPECT_EQ(Thumbnail::Controller::instance(), nullptr);
 }

@@ -1,0 +1,88 @@
+#include "platform/editorlogic/VideoStreamCutter.h"
+
+#include "platform/av/Decoder.h"
+#include "platform/av/Demuxer.h"
+#include "platform/av/Frame.h"
+#include "platform/av/MediaError.h"
+#include "tests/support/MediaFixtures.h"
+
+#include <gtest/gtest.h>
+
+using EditorService::Testing::mediaFixture;
+
+namespace {
+
+// 25 frames a second, a key frame each second: frames at 0, 40, 80, ... 1960 ms.
+class VideoStreamCutterTest : public testing::Test {
+protected:
+    Velmor::AV::Demuxer demuxer{mediaFixture("noaudio.mp4")};
+    Velmor::AV::Decoder decoder{demuxer, 0};
+    Media::VideoStreamCutter cutter{demuxer, decoder};
+
+    std::int64_t frameShownAt(std::int64_t milliseconds) {
+        cutter.frameAt(milliseconds);
+        return cutter.frameMilliseconds();
+    }
+};
+
+} // namespace
+
+TEST_F(VideoStreamCutterTest, GivesTheLastFrameShownAtOrBeforeTheTime) {
+    EXPECT_EQ(frameShownAt(0), 0);
+    EXPECT_EQ(frameShownAt(39), 0);
+    EXPECT_EQ(frameShownAt(40), 40);
+    EXPECT_EQ(frameShownAt(1500), 1480);
+}
+
+TEST_F(VideoStreamCutterTest, TheEndOfTheFileShowsTheLastFrame) {
+    EXPECT_EQ(frameShownAt(2000), 1960);
+    EXPECT_EQ(frameShownAt(1999), 1960);
+}
+
+TEST_F(VideoStreamCutterTest, ATimePastTheEndFailsNamingBothTimes) {
+    try {
+        cutter.frameAt(90000);
+        FAIL() << "no exception";
+    } catch (const Velmor::AV::MediaError& error) {
+        EXPECT_EQ(std::string(error.what()),
+                  "Time 90000 ms is past the end of " + mediaFixture("noaudio.mp4") + " (2000 ms)");
+    }
+}
+
+TEST_F(VideoStreamCutterTest, TimesAheadWithinAKeyFrameIntervalDecodeOnWithoutSeeking) {
+    frameShownAt(100);
+    const int seeks = cutter.seeks();
+    EXPECT_EQ(frameShownAt(200), 200);
+    EXPECT_EQ(frameShownAt(960), 960);
+    EXPECT_EQ(cutter.seeks(), seeks);
+}
+
+TEST_F(VideoStreamCutterTest, TheSameTimeTwiceGivesTheSameFrameWithoutSeeking) {
+    frameShownAt(500);
+    const int seeks = cutter.seeks();
+    EXPECT_EQ(frameShownAt(500), 480);
+    EXPECT_EQ(cutter.seeks(), seeks);
+}
+
+TEST_F(VideoStreamCutterTest, ATimeBehindOrPastTheNextKeyFrameSeeks) {
+    frameShownAt(1500);
+    int seeks = cutter.seeks();
+    EXPECT_EQ(frameShownAt(100), 80);
+    EXPECT_EQ(cutter.seeks(), seeks + 1);
+    seeks = cutter.seeks();
+    EXPECT_EQ(frameShownAt(1800), 1800);
+    EXPECT_EQ(cutter.seeks(), seeks + 1);
+}
+
+TEST_F(VideoStreamCutterTest, AfterTheEndATimeBackInTheFileIsFoundAgain) {
+    EXPECT_EQ(frameShownAt(2000), 1960);
+    EXPECT_EQ(frameShownAt(40), 40);
+}
+
+TEST(VideoStreamCutterStillTest, AStillShowsItsOneFrameAtTimeZero) {
+    Velmor::AV::Demuxer demuxer(mediaFixture("still.png"));
+    Velmor::AV::Decoder decoder(demuxer, 0);
+    Media::VideoStreamCutter cutter(demuxer, decoder);
+    EXPECT_EQ(cutter.frameAt(0).width(), 64);
+    EXPECT_EQ(cutter.frameMilliseconds(), 0);
+}
