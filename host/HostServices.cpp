@@ -6,6 +6,7 @@
 #include "host/services/PresetService.h"
 #include "host/services/PresetsService.h"
 #include "host/services/RuntimeService.h"
+#include "host/services/ShardService.h"
 #include "host/services/TickService.h"
 #include "service/api/Error.h"
 #include "service/api/ServiceLoader.h"
@@ -51,8 +52,10 @@ void registerHostServices(ServiceLoader& loader, const TimeLimitedService::Expir
     add<PresetsService>(loader, expiry, QStringLiteral("Emit each available export preset"));
     add<RuntimeService>(loader, expiry,
                         QStringLiteral("Start the editor runtime's contexts named by --require"));
-    add<ScriptService>(loader, expiry, QStringLiteral("Execute commands from script"),
-                       std::move(commands));
+    add<ScriptService>(loader, expiry, QStringLiteral("Execute commands from script"), commands);
+    add<ShardService>(loader, expiry,
+                      QStringLiteral("Execute part --index of --count of the commands from script"),
+                      std::move(commands));
     add<TickService>(
         loader, expiry,
         QStringLiteral("Emit {\"tick\": i} every --interval milliseconds, --count times"));
