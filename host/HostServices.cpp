@@ -6,6 +6,7 @@
 #include "host/services/PresetService.h"
 #include "host/services/PresetsService.h"
 #include "host/services/RuntimeService.h"
+#include "host/services/ShardService.h"
 #include "host/services/TickService.h"
 #include "media/ProbeService.h"
 #include "media/ThumbnailService.h"
@@ -55,8 +56,10 @@ void registerHostServices(ServiceLoader& loader, const TimeLimitedService::Expir
                       QStringLiteral("Describe a media file: container, duration and streams"));
     add<RuntimeService>(loader, expiry,
                         QStringLiteral("Start the editor runtime's contexts named by --require"));
-    add<ScriptService>(loader, expiry, QStringLiteral("Execute commands from script"),
-                       std::move(commands));
+    add<ScriptService>(loader, expiry, QStringLiteral("Execute commands from script"), commands);
+    add<ShardService>(loader, expiry,
+                      QStringLiteral("Execute part --index of --count of the commands from script"),
+                      std::move(commands));
     add<ThumbnailService>(loader, expiry,
                           QStringLiteral("Write the frame at --at of a video as a PNG picture"));
     add<TickService>(

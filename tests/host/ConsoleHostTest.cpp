@@ -40,7 +40,7 @@ TEST_F(ConsoleHostTest, HelpListsEveryServiceAndTheHostOptions) {
     EXPECT_EQ(run.exitCode, 0);
     for (const char* expected :
          {"\n  echo ", "\n  fail ", "\n  noop ", "\n  preset ", "\n  presets ", "\n  runtime ",
-          "\n  script ", "\n  tick ", "--timeout, -t <seconds>", "--hot-start",
+          "\n  script ", "\n  shard ", "\n  tick ", "--timeout, -t <seconds>", "--hot-start",
           "--render-jobs, --rj <N>", "--disable-plugin <plugin name>",
           "--cache-ttl <time in msec>"})
         EXPECT_TRUE(run.output.contains(expected)) << expected;
@@ -99,6 +99,36 @@ TEST_F(ConsoleHostTest, ScriptRunsItsCommandsInOrderWithOneJob) {
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.output, "{\"echo\":[\"a\"]}\n{\"echo\":[\"b\",\"c d\"]}\n");
     EXPECT_TRUE(run.errors.contains("Processing command: echo; a\n"));
+}
+
+TEST_F(ConsoleHostTest, ShardPartsPrintEveryValueOfTheScriptOnceBetweenThem) {
+    const QString script = writeScript("# parts\necho; 0\necho; 1\n\necho; 2\necho; 3\necho; 4\n");
+    QByteArray together;
+    for (const char* index : {"0", "1", "2"}) {
+        const HostRun run = runHost(
+            {"shard", script, QStringLiteral("--index=%1").arg(index), "--count=3", "--jobs=2"});
+        EXPECT_EQ(run.exitCode, 0) << run.errors.constData();
+        together += run.output;
+    }
+    EXPECT_EQ(together, "{\"echo\":[\"0\"]}\n{\"echo\":[\"3\"]}\n"
+                        "{\"echo\":[\"1\"]}\n{\"echo\":[\"4\"]}\n"
+                        "{\"echo\":[\"2\"]}\n");
+}
+
+// A part reads the whole script, and the log line marks reading, not running.
+TEST_F(ConsoleHostTest, ShardLogsEveryCommandItReadsThoseOfOtherPartsToo) {
+    const HostRun run =
+        runHost({"shard", writeScript("echo; a\necho; b\n"), "--index=1", "--count=2"});
+    EXPECT_EQ(run.output, "{\"echo\":[\"b\"]}\n");
+    EXPECT_TRUE(run.errors.contains("Processing command: echo; a\n"));
+    EXPECT_TRUE(run.errors.contains("Processing command: echo; b\n"));
+}
+
+TEST_F(ConsoleHostTest, ShardIndexOutsideTheCountExitsWithFailureNamingTheRange) {
+    const HostRun run = runHost({"shard", writeScript("echo; a\n"), "--index=3", "--count=3"});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.errors, "--index must be between 0 and 2\n");
+    EXPECT_EQ(run.output, "");
 }
 
 TEST_F(ConsoleHostTest, MissingScriptFailsWithItsPath) {
