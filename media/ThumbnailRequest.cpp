@@ -39,8 +39,7 @@ void ThumbnailRequest::validateOnLoad() const {
         throw Error(QStringLiteral("--at must not be negative, is %1").arg(at).toStdString());
     if (frameSize && !frameSize->isOriginal() && (frameSize->width < 1 || frameSize->height < 1)) {
         throw Error(QStringLiteral("Frame size must be at least 1:1, is %1:%2")
-                        .arg(QString::number(frameSize->width),
-                             QString::number(frameSize->height))
+                        .arg(QString::number(frameSize->width), QString::number(frameSize->height))
                         .toStdString());
     }
 }

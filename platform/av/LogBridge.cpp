@@ -14,7 +14,7 @@ namespace Velmor::AV {
 namespace {
 
 void forward(void* context, int level, const char* format, va_list arguments) {
-    if (level > AV_LOG_WARNING)
+    if (level > AV_LOG_WARNING || level > av_log_get_level())
         return;
     char line[1024];
     int prefix = 1;

@@ -7,9 +7,9 @@
 #include "platform/editorlogic/ThumbnailTaskProvider.h"
 #include "platform/editorlogic/VideoStreamCutter.h"
 #include "platform/engine/CoreManager.h"
-#include "platform/proc/Resizer.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
+#include "platform/proc/Resizer.h"
 
 #include <algorithm>
 #include <stdexcept>

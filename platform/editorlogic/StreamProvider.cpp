@@ -3,9 +3,9 @@
 #include "platform/av/Demuxer.h"
 #include "platform/av/MediaError.h"
 #include "platform/editorlogic/DecodedVideoStream.h"
-#include "platform/editorlogic/ICreatorFileParser.h"
 #include "platform/editorlogic/ICreatorAudioDecoder.h"
 #include "platform/editorlogic/ICreatorAudioStreamCutter.h"
+#include "platform/editorlogic/ICreatorFileParser.h"
 #include "platform/editorlogic/ICreatorVideoDecoder.h"
 #include "platform/editorlogic/ICreatorVideoStreamCutter.h"
 #include "platform/editorlogic/VideoStreamCutter.h"
@@ -99,7 +99,8 @@ public:
             throw Velmor::AV::MediaError("No video stream in " + path.toStdString());
         auto decoder = videoDecoders->createVideoDecoder(*demuxer, index);
         auto stream = std::make_unique<DecodedVideoStream>(std::move(demuxer), std::move(decoder));
-        stream->setCutter(videoCutters->createVideoStreamCutter(stream->demuxer(), stream->decoder()));
+        stream->setCutter(
+            videoCutters->createVideoStreamCutter(stream->demuxer(), stream->decoder()));
         std::lock_guard<std::mutex> lock(mutex);
         ++opened;
         return stream;
@@ -112,8 +113,8 @@ public:
         if (closed)
             return;
         const QString path = stream->path();
-        idle.emplace(path, Idle{std::move(stream),
-                                Clock::now() + std::chrono::milliseconds(cacheLifetime)});
+        idle.emplace(
+            path, Idle{std::move(stream), Clock::now() + std::chrono::milliseconds(cacheLifetime)});
         lock.unlock();
         changed.notify_all();
     }

@@ -52,8 +52,8 @@ public:
     bool decodingOnIsCheaper(std::int64_t target) const {
         if (!hasCurrent || current.timestamp() > target)
             return false;
-        const int entry = av_index_search_timestamp(stream, target - reorderDelay(),
-                                                    AVSEEK_FLAG_BACKWARD);
+        const int entry =
+            av_index_search_timestamp(stream, target - reorderDelay(), AVSEEK_FLAG_BACKWARD);
         if (entry < 0)
             return true;
         const std::int64_t decoded =

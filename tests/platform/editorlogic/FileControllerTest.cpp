@@ -76,7 +76,8 @@ TEST_F(FileControllerTest, ParsesAFileOnItsOwnThreadBetweenBusyAndIdle) {
 
 TEST_F(FileControllerTest, AFileThatCanNotBeParsedGivesTheFailureAndNoDescription) {
     const EditorService::Testing::RunningEngine engine;
-    const QString path = QString::fromStdString(EditorService::Testing::mediaFixture("notmedia.txt"));
+    const QString path =
+        QString::fromStdString(EditorService::Testing::mediaFixture("notmedia.txt"));
     std::promise<std::pair<std::string, std::string>> parsed;
     Media::FileController controller(&parsers);
     controller.parse(path, [&](const Velmor::AV::MediaInfo& info, std::exception_ptr error) {

@@ -156,7 +156,8 @@ TEST_F(FrameExtractionWithoutEncodersTest, NoPictureIsWritten) {
         extract({});
         FAIL() << "no exception";
     } catch (const Velmor::Core::PluginError& error) {
-        EXPECT_STREQ(error.what(), "Can not encode CODEC_ID_PNG: the plug-in EncodersFF is disabled");
+        EXPECT_STREQ(error.what(),
+                     "Can not encode CODEC_ID_PNG: the plug-in EncodersFF is disabled");
     }
     EXPECT_FALSE(QFile::exists(output));
 }

@@ -221,7 +221,8 @@ TEST_F(CoreManagerTest, WithTheEncodersDisabledNoCodecCanBeEncoded) {
         core.EncoderFor("CODEC_ID_H264");
         FAIL() << "no exception";
     } catch (const PluginError& error) {
-        EXPECT_STREQ(error.what(), "Can not encode CODEC_ID_H264: the plug-in EncodersFF is disabled");
+        EXPECT_STREQ(error.what(),
+                     "Can not encode CODEC_ID_H264: the plug-in EncodersFF is disabled");
     }
 }
 
