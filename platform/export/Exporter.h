@@ -1,0 +1,94 @@
+#pragma once
+
+#include "platform/model/Range.h"
+#include "platform/preset/Preset.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace Export {
+
+// What an export is to do: read `input`, and write `output` as the ready preset says
+// (container, video codec, frame size and fill mode, bitrate mode and rates, audio rate).
+struct ExportSettings {
+    std::string input;
+    std::string output;
+    Preset preset;
+    // Milliseconds from the start of the input; a default range exports the whole input.
+    Types::Range range;
+};
+
+// How far a running export is.
+struct ExportProgress {
+    // From 0 to 1: the share of the output's duration encoded so far.
+    double progress = 0;
+    std::int64_t frames = 0;
+    // Video frames encoded per second since the encoding began.
+    double fps = 0;
+};
+
+// What a finished export wrote.
+struct ExportResult {
+    struct Video {
+        std::string codec; // the codec's short name, "h264" or "hevc"
+        int width = 0;
+        int height = 0;
+        std::int64_t bitRate = 0;
+    };
+    struct Audio {
+        std::string codec; // "aac"
+        int sampleRate = 0;
+        int channels = 0;
+        std::int64_t bitRate = 0;
+    };
+
+    std::int64_t frames = 0;
+    std::int64_t durationMs = 0;
+    std::int64_t bytes = 0;
+    Video video;
+    // None for an input without audio.
+    std::optional<Audio> audio;
+};
+
+// One export: demuxing, decoding, resizing, encoding and muxing, each stage on a thread of its
+// own joined by bounded queues, so that memory stays flat whatever the input's length.
+//
+// It writes a temporary file beside the output, named "<output>.reelsmith-partial-<pid>", and
+// renames it into place only when the output is complete: there is never a partial file at the
+// output path. Whatever ends the export other than success removes the temporary.
+class Exporter {
+public:
+    using Progress = std::function<void(const ExportProgress& progress)>;
+
+    explicit Exporter(ExportSettings settings);
+    Exporter(const Exporter&) = delete;
+    Exporter& operator=(const Exporter&) = delete;
+    // Cancels a running export and waits for its threads.
+    ~Exporter();
+
+    // The path of the temporary file, known before run() begins.
+    const std::string& temporaryPath() const;
+
+    // Runs the export to its end on the calling thread and the stages' threads, calling
+    // `progress` from time to time on one of them. Throws the failure that ended it, and
+    // ExportCancelled after cancel().
+    ExportResult run(const Progress& progress);
+    // Ends a running export within one frame's work, from any thread; a blocked read of the
+    // input gives up too.
+    void cancel();
+
+private:
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+// The failure an export cancelled from outside ends with: "Export cancelled: <output>".
+class ExportCancelled : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+} // namespace Export
