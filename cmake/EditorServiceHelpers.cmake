@@ -53,6 +53,7 @@ function(editorservice_add_gtest target)
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
         PROPERTIES LABELS "${labels}" TIMEOUT 300)
+    editorservice_list_test_binary(${target})
     # The ThreadSanitizer run builds only what it runs.
     if("concurrency" IN_LIST ARG_LABELS)
         if(NOT TARGET concurrency_tests)
@@ -60,6 +61,22 @@ function(editorservice_add_gtest target)
         endif()
         add_dependencies(concurrency_tests ${target})
     endif()
+endfunction()
+
+# CTest runs each test case in a process of its own, which hides tests that lean on what an
+# earlier test left in the process. The list lets scripts/test also run each binary whole.
+function(editorservice_list_test_binary target)
+    set_property(GLOBAL APPEND PROPERTY EDITORSERVICE_TEST_BINARIES ${target})
+endfunction()
+
+# Writes <build>/test-binaries.txt: the path of every listed test binary, one a line.
+function(editorservice_write_test_binary_list)
+    get_property(targets GLOBAL PROPERTY EDITORSERVICE_TEST_BINARIES)
+    set(content "")
+    foreach(target IN LISTS targets)
+        string(APPEND content "$<TARGET_FILE:${target}>\n")
+    endforeach()
+    file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/test-binaries.txt CONTENT "${content}")
 endfunction()
 
 function(editorservice_install_package)

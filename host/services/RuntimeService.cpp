@@ -43,6 +43,16 @@ Contexts upWith(const QString& name) {
                     .toStdString());
 }
 
+// In construction order.
+nlohmann::json namesOf(Contexts contexts) {
+    nlohmann::json names = nlohmann::json::array();
+    for (const auto& known : knownContexts()) {
+        if (contexts.testFlag(known.key))
+            names.push_back(known.name.toStdString());
+    }
+    return names;
+}
+
 } // namespace
 
 QCommandLineOption RuntimeRequest::requireOption() {
@@ -91,13 +101,10 @@ RuntimeService::run(const rxcpp::observable<RuntimeRequest>& requests) {
             const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(
                 std::chrono::steady_clock::now() - start);
 
-            nlohmann::json up = nlohmann::json::array();
-            for (const auto& known : knownContexts()) {
-                if (contexts.testFlag(known.key))
-                    up.push_back(known.name.toStdString());
-            }
-            return nlohmann::json{
-                {"runtime", {{"contexts", up}, {"milliseconds", elapsed.count()}}}};
+            return nlohmann::json{{"runtime",
+                                   {{"contexts", namesOf(provider->builtContexts())},
+                                    {"milliseconds", elapsed.count()},
+                                    {"required", namesOf(contexts)}}}};
         })
         .as_dynamic();
 }

@@ -35,11 +35,12 @@ struct RuntimeRequest : EditorService::DefaultRequestImpl<RuntimeRequest> {
 
 // Starts the contexts a request names, with what they depend on, through the process's
 // GlobalContextProvider, on the subscribing thread, and emits one value per request:
-//     {"runtime": {"contexts": ["engine", "media"], "milliseconds": 12}}
-// "contexts" lists, in construction order, every context that is up because of the request:
-// those named and their dependencies. "milliseconds" is how long the provider took, contexts
-// that were up already costing nothing. A context that fails to start, or a process with no
-// provider, ends the stream with the error.
+//     {"runtime": {"contexts": ["engine", "media"], "milliseconds": 12, "required": ["engine"]}}
+// "contexts" lists every context that is up when the value is made, whoever started it (a hot
+// start, an earlier request); "required" lists those the request needed: the ones named and
+// their dependencies. Both are in construction order. "milliseconds" is how long the provider
+// took, contexts that were up already costing nothing. A context that fails to start, or a
+// process with no provider, ends the stream with the error.
 class RuntimeService : public EditorService::DefaultServiceImpl<RuntimeRequest> {
 public:
     static QString serviceId();

@@ -37,3 +37,13 @@ QString Translator::currentLocale() {
     std::lock_guard<std::mutex> lock(state().mutex);
     return state().locale;
 }
+
+namespace Velmor::Testing {
+
+void resetTranslator() {
+    std::lock_guard<std::mutex> lock(state().mutex);
+    state().locale.clear();
+    QLocale::setDefault(QLocale::system());
+}
+
+} // namespace Velmor::Testing

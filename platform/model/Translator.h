@@ -12,3 +12,11 @@ public:
     // The locale last set; empty before the first.
     static QString currentLocale();
 };
+
+namespace Velmor::Testing {
+
+// Puts the translator back as a fresh process has it: no locale set, and Qt's default locale
+// the system's. The locale is process-wide, so tests that share a process reset it.
+void resetTranslator();
+
+} // namespace Velmor::Testing

@@ -121,6 +121,14 @@ void GlobalContextProvider::requireAll() {
         requireInner(static_cast<GlobalContext>(keys.value(index)));
 }
 
+GlobalContextProvider::GlobalContexts GlobalContextProvider::builtContexts() const {
+    std::lock_guard<std::recursive_mutex> lock(d->mutex);
+    GlobalContexts built;
+    for (const auto& entry : d->contexts)
+        built |= entry.first;
+    return built;
+}
+
 void GlobalContextProvider::requireInner(GlobalContext context) {
     std::lock_guard<std::recursive_mutex> lock(d->mutex);
     if (d->contexts.count(context) != 0)

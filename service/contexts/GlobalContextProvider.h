@@ -52,6 +52,8 @@ public:
 
     void require(QFlags<GlobalContext> contexts);
     void requireAll();
+    // The contexts built so far, whoever asked for them. Waits while another caller builds.
+    GlobalContexts builtContexts() const;
     // The shared resource, built at its first use. Throws std::invalid_argument for a value
     // that names no resource.
     std::shared_ptr<Velmor::rx::LimitedResource> resource(Resource which) const;

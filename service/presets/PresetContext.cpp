@@ -130,9 +130,9 @@ PresetContext::makeProvider(const Media::Video* video) const {
     const std::string presetId = preset.toStdString();
     provider->selectPreset(presetId);
     if (provider->preset().id() != presetId) {
+        // One call fills both places, so that a %N in the name is not filled in turn.
         throw Error(QStringLiteral("Unknown preset: %1\nAvailable presets:\n%2")
-                        .arg(preset)
-                        .arg(joined(provider->availablePresets()))
+                        .arg(preset, joined(provider->availablePresets()))
                         .toStdString());
     }
 

@@ -28,10 +28,10 @@ void operator<<(SettingsResizer::CustomModes& mode, const QString& text) {
         mode = IResize::String2CustomModes(text.toStdString());
         return;
     }
+    // One call fills both places, so that a %N in the text is not filled in turn.
     throw EditorService::Error(
         QStringLiteral("Can not parse preset resize mode \"%1\", expects one of %2")
-            .arg(text)
-            .arg(resizeFillModeList().join(QLatin1Char(',')))
+            .arg(text, resizeFillModeList().join(QLatin1Char(',')))
             .toStdString());
 }
 

@@ -79,6 +79,33 @@ TEST_F(ConsoleHostTest, UnknownHostOptionExitsWithUsageStatus) {
     EXPECT_EQ(run.errors, "Unknown option \"nonsense\", try \"reelsmith --help\"\n");
 }
 
+TEST_F(ConsoleHostTest, PlaceholdersInAnUnknownHostOptionAreQuotedAsTheyCame) {
+    const HostRun run = runHost({"--%1%2", "echo"});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(run.errors, "Unknown option \"%1%2\", try \"reelsmith --help\"\n");
+}
+
+TEST_F(ConsoleHostTest, PlaceholdersInAnUnknownPresetNameAreQuotedAsTheyCame) {
+    for (const QString name : {QStringLiteral("%2"), QStringLiteral("a%1b")}) {
+        const HostRun run = runHost({"preset", "--preset=" + name});
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_TRUE(run.errors.startsWith("Unknown preset: " + name.toUtf8()
+                                          + "\nAvailable presets:\nmp4\n"))
+            << run.errors.toStdString();
+        EXPECT_EQ(run.errors.count("Available presets:"), 1) << run.errors.toStdString();
+    }
+}
+
+TEST_F(ConsoleHostTest, HotStartedRuntimeReportsEveryContextUpAndWhatWasRequired) {
+    const HostRun run = runHost({"--hot-start", "runtime", "--require=engine"});
+    EXPECT_EQ(run.exitCode, 0) << run.errors.toStdString();
+    ASSERT_EQ(run.outputLines().size(), 1) << run.output.toStdString();
+    const auto value = nlohmann::json::parse(run.outputLines().first().toStdString());
+    EXPECT_EQ(value.at("runtime").at("contexts"),
+              nlohmann::json({"engine", "media", "content", "render"}));
+    EXPECT_EQ(value.at("runtime").at("required"), nlohmann::json({"engine"}));
+}
+
 TEST_F(ConsoleHostTest, ServiceHelpPrintsThatServicesOptions) {
     const HostRun run = runHost({"script", "--help"});
     EXPECT_EQ(run.exitCode, 0);

@@ -207,6 +207,13 @@ TEST_F(CLIUtilsTest, ErrorArrivesOnlyOnceTheMainThreadRuns) {
     EXPECT_EQ(outcome->error, "Can not open input device: /nonexistent/x");
 }
 
+TEST_F(CLIUtilsTest, PlaceholdersInAMissingPathAreQuotedAsTheyCame) {
+    const auto outcome =
+        subscribe(CLIUtils::openCommandScript(QStringLiteral("/nonexistent/%1%2")));
+    ASSERT_TRUE(spinUntil([outcome] { return outcome->ended(); }));
+    EXPECT_EQ(outcome->error, "Can not open input device: /nonexistent/%1%2");
+}
+
 TEST_F(CLIUtilsTest, DirectoryAsPathCannotBeOpened) {
     const auto outcome = subscribe(CLIUtils::openCommandScript(m_directory.path()));
     ASSERT_TRUE(spinUntil([outcome] { return outcome->ended(); }));

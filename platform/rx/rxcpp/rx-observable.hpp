@@ -80,6 +80,14 @@ public:
         inner->on_subscribe(o);
     }
 
+    // Copies share one source and are equal; observables made apart are not, whatever they do.
+    friend bool operator==(const dynamic_observable& lhs, const dynamic_observable& rhs) {
+        return lhs.inner == rhs.inner;
+    }
+    friend bool operator!=(const dynamic_observable& lhs, const dynamic_observable& rhs) {
+        return !(lhs == rhs);
+    }
+
 private:
     std::shared_ptr<const detail::source_base<T>> inner;
 };
@@ -160,6 +168,11 @@ public:
     template <class Coordination> observable<T> observe_on(Coordination cn) const {
         return detail::observe_on(*this, std::move(cn));
     }
+
+    friend bool operator==(const observable& lhs, const observable& rhs) {
+        return lhs.source_operator == rhs.source_operator;
+    }
+    friend bool operator!=(const observable& lhs, const observable& rhs) { return !(lhs == rhs); }
 
 private:
     SourceObservable source_operator;

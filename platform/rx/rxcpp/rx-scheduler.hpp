@@ -73,6 +73,7 @@ public:
     void remove(composite_subscription::weak_subscription w) const {
         lifetime.remove(std::move(w));
     }
+    void clear() const { lifetime.clear(); }
 
     clock_type::time_point now() const { return inner->now(); }
 
@@ -83,6 +84,12 @@ public:
     void schedule(F f) const;
     template <class F, class = std::enable_if_t<detail::is_action_function_v<F>>>
     void schedule(clock_type::time_point when, F f) const;
+
+    // The same worker: one implementation under one lifetime.
+    friend bool operator==(const worker& lhs, const worker& rhs) {
+        return lhs.inner == rhs.inner && lhs.lifetime == rhs.lifetime;
+    }
+    friend bool operator!=(const worker& lhs, const worker& rhs) { return !(lhs == rhs); }
 
 private:
     composite_subscription lifetime;
@@ -110,6 +117,10 @@ public:
     template <class S> composite_subscription::weak_subscription add(S&& s) const {
         return lifetime.add(std::forward<S>(s));
     }
+    void remove(composite_subscription::weak_subscription w) const {
+        lifetime.remove(std::move(w));
+    }
+    void clear() const { lifetime.clear(); }
 
     const worker& get_worker() const { return controller; }
     clock_type::time_point now() const { return controller.now(); }
@@ -159,6 +170,12 @@ public:
     worker create_worker(composite_subscription cs = composite_subscription()) const {
         return inner->create_worker(std::move(cs));
     }
+
+    // Copies of one scheduler are equal.
+    friend bool operator==(const scheduler& lhs, const scheduler& rhs) {
+        return lhs.inner == rhs.inner;
+    }
+    friend bool operator!=(const scheduler& lhs, const scheduler& rhs) { return !(lhs == rhs); }
 
 private:
     std::shared_ptr<scheduler_interface> inner;

@@ -176,32 +176,56 @@ private:
 
 } // namespace detail
 
+// Copies share one state, and two subscriptions are equal exactly when they share it.
 class subscription {
 public:
-    // An empty subscription is already unsubscribed.
+    using weak_state_type = std::weak_ptr<detail::subscription_state>;
+
+    // An empty subscription is already unsubscribed. Each has a state of its own, so two empty
+    // subscriptions are not equal.
     subscription()
-        : state(empty_state()) {}
+        : state(std::make_shared<detail::subscription_state>(false)) {}
     explicit subscription(std::shared_ptr<detail::subscription_state> s)
         : state(std::move(s)) {}
 
     bool is_subscribed() const { return state->is_subscribed(); }
     void unsubscribe() const { state->unsubscribe(); }
 
-    const std::shared_ptr<detail::subscription_state>& get_state() const { return state; }
+    // The handle that a composite's remove takes, as its add gives it.
+    weak_state_type get_weak() const { return state; }
 
-private:
-    static const std::shared_ptr<detail::subscription_state>& empty_state() {
-        static const auto empty = std::make_shared<detail::subscription_state>(false);
-        return empty;
-    }
+    const std::shared_ptr<detail::subscription_state>& get_state() const { return state; }
 
 protected:
     std::shared_ptr<detail::subscription_state> state;
 };
 
+inline bool operator==(const subscription& lhs, const subscription& rhs) {
+    return lhs.get_state() == rhs.get_state();
+}
+inline bool operator!=(const subscription& lhs, const subscription& rhs) {
+    return !(lhs == rhs);
+}
+// An order of states, so that subscriptions can be kept in ordered containers.
+inline bool operator<(const subscription& lhs, const subscription& rhs) {
+    return lhs.get_state() < rhs.get_state();
+}
+
+inline subscription make_subscription() {
+    return subscription();
+}
+
+// A subscription that calls f once, when it is first unsubscribed.
+template <class F,
+          class = std::enable_if_t<
+              std::is_invocable_v<F&> && !std::is_base_of_v<subscription, std::decay_t<F>>>>
+subscription make_subscription(F f) {
+    return subscription(std::make_shared<detail::callback_state<F>>(std::move(f)));
+}
+
 class composite_subscription : public subscription {
 public:
-    using weak_subscription = std::weak_ptr<detail::subscription_state>;
+    using weak_subscription = subscription::weak_state_type;
 
     composite_subscription()
         : subscription(std::make_shared<detail::composite_state>()) {}
@@ -215,7 +239,7 @@ public:
               class = std::enable_if_t<
                   std::is_invocable_v<F&> && !std::is_base_of_v<subscription, std::decay_t<F>>>>
     weak_subscription add(F f) const {
-        return add(subscription(std::make_shared<detail::callback_state<F>>(std::move(f))));
+        return add(make_subscription(std::move(f)));
     }
 
     void remove(weak_subscription w) const { composite().remove(w); }
@@ -226,5 +250,15 @@ private:
         return static_cast<detail::composite_state&>(*state);
     }
 };
+
+inline bool operator==(const composite_subscription& lhs, const composite_subscription& rhs) {
+    return static_cast<const subscription&>(lhs) == static_cast<const subscription&>(rhs);
+}
+inline bool operator!=(const composite_subscription& lhs, const composite_subscription& rhs) {
+    return !(lhs == rhs);
+}
+inline bool operator<(const composite_subscription& lhs, const composite_subscription& rhs) {
+    return static_cast<const subscription&>(lhs) < static_cast<const subscription&>(rhs);
+}
 
 } // namespace rxcpp

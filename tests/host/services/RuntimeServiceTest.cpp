@@ -78,8 +78,9 @@ TEST_P(RuntimeServiceRequireTest, StartsTheNamedContextsAndTellsWhichAreUp) {
     EXPECT_TRUE(collected->completed);
     ASSERT_EQ(collected->values.size(), 1u);
     const auto& runtime = collected->values[0].at("runtime");
-    EXPECT_EQ(runtime.size(), 2u);
+    EXPECT_EQ(runtime.size(), 3u);
     EXPECT_EQ(runtime.at("contexts").get<std::vector<std::string>>(), GetParam().contexts);
+    EXPECT_EQ(runtime.at("required").get<std::vector<std::string>>(), GetParam().contexts);
     ASSERT_TRUE(runtime.at("milliseconds").is_number_integer());
     EXPECT_GE(runtime.at("milliseconds").get<long long>(), 0);
 
@@ -115,8 +116,30 @@ TEST_F(RuntimeServiceTest, AContextAlreadyUpCostsNothingAndIsReported) {
     CallLog::clear();
     const auto collected = run({"--require=engine"});
     ASSERT_EQ(collected->values.size(), 1u);
-    EXPECT_EQ(collected->values[0]["runtime"]["contexts"], nlohmann::json({"engine"}));
+    EXPECT_EQ(collected->values[0]["runtime"]["contexts"], nlohmann::json({"engine", "media"}));
+    EXPECT_EQ(collected->values[0]["runtime"]["required"], nlohmann::json({"engine"}));
     EXPECT_TRUE(CallLog::entries().empty());
+}
+
+TEST_F(RuntimeServiceTest, AfterAHotStartEveryContextIsReportedUpBesideWhatWasRequired) {
+    provider.emplace(QStringList{"app", "--hot-start"});
+    CallLog::clear();
+    const auto collected = run({"--require=engine"});
+    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_EQ(collected->values.size(), 1u);
+    EXPECT_EQ(collected->values[0]["runtime"]["contexts"],
+              nlohmann::json({"engine", "media", "content", "render"}));
+    EXPECT_EQ(collected->values[0]["runtime"]["required"], nlohmann::json({"engine"}));
+    EXPECT_TRUE(CallLog::entries().empty());
+}
+
+TEST_F(RuntimeServiceTest, AnEmptyRequireReportsWhatIsUpAndRequiresNothing) {
+    provider.emplace(QStringList{"app"});
+    provider->require(GlobalContextProvider::Engine);
+    const auto collected = run({"--require="});
+    ASSERT_EQ(collected->values.size(), 1u);
+    EXPECT_EQ(collected->values[0]["runtime"]["contexts"], nlohmann::json({"engine"}));
+    EXPECT_EQ(collected->values[0]["runtime"]["required"], nlohmann::json::array());
 }
 
 TEST_F(RuntimeServiceTest, AnUnknownContextNameFailsWithErrorAndStartsNothing) {
@@ -131,6 +154,16 @@ TEST_F(RuntimeServiceTest, AnUnknownContextNameFailsWithErrorAndStartsNothing) {
                      "Unknown context \"audio\", expects engine, media, content, render or all");
     }
     EXPECT_TRUE(CallLog::entries().empty());
+}
+
+TEST_F(RuntimeServiceTest, PlaceholdersInAnUnknownNameAreQuotedAsTheyCame) {
+    try {
+        RuntimeRequest::Serializer().loadFromJson({{"require", "%1,%2"}});
+        FAIL() << "no exception";
+    } catch (const Error& error) {
+        EXPECT_STREQ(error.what(),
+                     "Unknown context \"%1\", expects engine, media, content, render or all");
+    }
 }
 
 TEST_F(RuntimeServiceTest, NamesAreComparedWithCase) {

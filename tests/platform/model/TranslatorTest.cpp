@@ -7,12 +7,20 @@
 #include <stdexcept>
 
 using Velmor::Testing::CallLog;
+using Velmor::Testing::resetTranslator;
 
-TEST(TranslatorTest, CurrentLocaleIsEmptyBeforeTheFirstIsSet) {
+// The locale is process-wide: each test starts from, and leaves, a fresh process's translator.
+class TranslatorTest : public testing::Test {
+protected:
+    void SetUp() override { resetTranslator(); }
+    void TearDown() override { resetTranslator(); }
+};
+
+TEST_F(TranslatorTest, CurrentLocaleIsEmptyBeforeTheFirstIsSet) {
     EXPECT_EQ(Translator::currentLocale(), "");
 }
 
-TEST(TranslatorTest, SetCurrentLocaleMakesItCurrentAndTheDefaultQLocale) {
+TEST_F(TranslatorTest, SetCurrentLocaleMakesItCurrentAndTheDefaultQLocale) {
     Translator::setCurrentLocale("de_DE");
     EXPECT_EQ(Translator::currentLocale(), "de_DE");
     EXPECT_EQ(QLocale().name(), "de_DE");
@@ -21,13 +29,13 @@ TEST(TranslatorTest, SetCurrentLocaleMakesItCurrentAndTheDefaultQLocale) {
     EXPECT_EQ(QLocale().name(), "en_US");
 }
 
-TEST(TranslatorTest, TheCLocaleIsALocale) {
+TEST_F(TranslatorTest, TheCLocaleIsALocale) {
     Translator::setCurrentLocale("C");
     EXPECT_EQ(Translator::currentLocale(), "C");
     EXPECT_EQ(QLocale(), QLocale::c());
 }
 
-TEST(TranslatorTest, AnUnknownLocaleThrowsAndLeavesTheCurrentOne) {
+TEST_F(TranslatorTest, AnUnknownLocaleThrowsAndLeavesTheCurrentOne) {
     Translator::setCurrentLocale("en_US");
     try {
         Translator::setCurrentLocale("klingon");
@@ -39,9 +47,16 @@ TEST(TranslatorTest, AnUnknownLocaleThrowsAndLeavesTheCurrentOne) {
     EXPECT_EQ(QLocale().name(), "en_US");
 }
 
-TEST(TranslatorTest, SetCurrentLocaleIsRecordedWithTheLocale) {
+TEST_F(TranslatorTest, SetCurrentLocaleIsRecordedWithTheLocale) {
     CallLog::clear();
     Translator::setCurrentLocale("en_US");
     Translator::currentLocale();
     EXPECT_EQ(CallLog::entries(), std::vector<std::string>{"Translator::setCurrentLocale(en_US)"});
+}
+
+TEST_F(TranslatorTest, ResetForgetsTheLocaleAndGivesQtsDefaultBackToTheSystem) {
+    Translator::setCurrentLocale("de_DE");
+    resetTranslator();
+    EXPECT_EQ(Translator::currentLocale(), "");
+    EXPECT_EQ(QLocale(), QLocale::system());
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <set>
 #include <thread>
 #include <vector>
 
@@ -172,4 +173,77 @@ TEST(CompositeSubscriptionTest, RemovingTheFirstChildKeepsTheOthers) {
     cs.unsubscribe();
     std::sort(ended.begin(), ended.end());
     EXPECT_EQ(ended, (std::vector<int>{2, 3, 4}));
+}
+
+TEST(CompositeSubscriptionTest, CopiesAreEqualAndSeparateCompositesAreNot) {
+    rxcpp::composite_subscription cs;
+    const auto copy = cs;
+    rxcpp::composite_subscription other;
+    EXPECT_TRUE(cs == copy);
+    EXPECT_FALSE(cs != copy);
+    EXPECT_FALSE(cs == other);
+    EXPECT_TRUE(cs != other);
+}
+
+TEST(CompositeSubscriptionTest, CompositesThatEndedAlikeStayUnequal) {
+    rxcpp::composite_subscription cs;
+    rxcpp::composite_subscription other;
+    cs.unsubscribe();
+    other.unsubscribe();
+    EXPECT_NE(cs, other);
+}
+
+TEST(CompositeSubscriptionTest, CompositeEqualsItselfSeenAsASubscription) {
+    rxcpp::composite_subscription cs;
+    const rxcpp::subscription plain = cs;
+    EXPECT_EQ(plain, cs);
+    EXPECT_NE(plain, rxcpp::subscription());
+}
+
+TEST(CompositeSubscriptionTest, TwoEmptySubscriptionsAreNotEqual) {
+    rxcpp::subscription first;
+    rxcpp::subscription second;
+    EXPECT_NE(first, second);
+    EXPECT_EQ(first, rxcpp::subscription(first));
+}
+
+TEST(CompositeSubscriptionTest, OrderKeepsOneEntryPerSharedState) {
+    rxcpp::composite_subscription a;
+    rxcpp::composite_subscription b;
+    std::set<rxcpp::composite_subscription> composites{a, b, a};
+    EXPECT_EQ(composites.size(), 2u);
+    EXPECT_TRUE(a < b || b < a);
+    EXPECT_FALSE(a < a);
+    std::set<rxcpp::subscription> subscriptions{a, b, rxcpp::subscription(a)};
+    EXPECT_EQ(subscriptions.size(), 2u);
+}
+
+TEST(CompositeSubscriptionTest, AddGivesTheAddedSubscriptionsWeakHandle) {
+    rxcpp::composite_subscription cs;
+    auto child = rxcpp::make_subscription([] {});
+    const auto handle = cs.add(child);
+    const auto weak = child.get_weak();
+    EXPECT_FALSE(handle.owner_before(weak) || weak.owner_before(handle));
+}
+
+TEST(CompositeSubscriptionTest, WeakHandleOfASubscriptionTakesItOutOfTheComposite) {
+    rxcpp::composite_subscription cs;
+    int calls = 0;
+    auto child = rxcpp::make_subscription([&] { ++calls; });
+    cs.add(child);
+    cs.remove(child.get_weak());
+    cs.unsubscribe();
+    EXPECT_EQ(calls, 0);
+    EXPECT_TRUE(child.is_subscribed());
+}
+
+TEST(CompositeSubscriptionTest, MadeSubscriptionRunsItsFunctionOnceAtItsFirstUnsubscribe) {
+    int calls = 0;
+    auto s = rxcpp::make_subscription([&] { ++calls; });
+    EXPECT_TRUE(s.is_subscribed());
+    s.unsubscribe();
+    s.unsubscribe();
+    EXPECT_FALSE(s.is_subscribed());
+    EXPECT_EQ(calls, 1);
+    EXPECT_FALSE(rxcpp::make_subscription().is_subscribed());
 }

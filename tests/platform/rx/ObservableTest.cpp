@@ -136,3 +136,57 @@ TEST(ObservableTest, SubscribingAnAlreadyEndedSubscriberDoesNotRunTheSource) {
         cs, [](int) {}, [](std::exception_ptr) {});
     EXPECT_FALSE(ran);
 }
+
+TEST(ObservableTest, SubscribeGivenACompositeReturnsThatVeryComposite) {
+    rxcpp::subjects::subject<int> source;
+    auto values = source.get_observable();
+    rxcpp::composite_subscription next;
+    rxcpp::composite_subscription nextError;
+    rxcpp::composite_subscription nextCompleted;
+    rxcpp::composite_subscription all;
+    EXPECT_EQ(values.subscribe(next, [](int) {}), next);
+    EXPECT_EQ(values.subscribe(
+                  nextError, [](int) {}, [](std::exception_ptr) {}),
+              nextError);
+    EXPECT_EQ(values.subscribe(
+                  nextCompleted, [](int) {}, [] {}),
+              nextCompleted);
+    EXPECT_EQ(values.subscribe(
+                  all, [](int) {}, [](std::exception_ptr) {}, [] {}),
+              all);
+}
+
+TEST(ObservableTest, SubscribeGivenASubscriberReturnsItsComposite) {
+    rxcpp::composite_subscription cs;
+    auto o = rxcpp::make_subscriber<int>(
+        cs, [](int) {}, [](std::exception_ptr) {});
+    auto returned = rxcpp::observable<>::just(1).subscribe(o);
+    EXPECT_EQ(returned, cs);
+    EXPECT_EQ(returned, o.get_subscription());
+}
+
+TEST(ObservableTest, SubscribeGivenAnEndedCompositeStillReturnsIt) {
+    rxcpp::composite_subscription cs;
+    cs.unsubscribe();
+    EXPECT_EQ(rxcpp::observable<>::just(1).subscribe(
+                  cs, [](int) {}, [](std::exception_ptr) {}),
+              cs);
+}
+
+TEST(ObservableTest, SubscribeGivenOnlyFunctionsReturnsANewCompositeEachTime) {
+    rxcpp::subjects::subject<int> source;
+    auto values = source.get_observable();
+    auto first = values.subscribe([](int) {}, [](std::exception_ptr) {});
+    auto second = values.subscribe([](int) {}, [](std::exception_ptr) {});
+    EXPECT_NE(first, second);
+}
+
+TEST(ObservableTest, CopiesAreEqualAndObservablesMadeApartAreNot) {
+    auto o = rxcpp::observable<>::just(1);
+    rxcpp::observable<int> copy = o;
+    EXPECT_TRUE(o == copy);
+    EXPECT_FALSE(o != copy);
+    EXPECT_EQ(o.as_dynamic(), o);
+    EXPECT_NE(o, rxcpp::observable<>::just(1));
+    EXPECT_NE(o, o.map([](int v) { return v; }));
+}

@@ -93,3 +93,46 @@ TEST_F(SchedulerTest, CoordinationsHandOutWorkersOfTheirScheduler) {
     manual->advanceBy(milliseconds(0));
     EXPECT_THAT(order, ElementsAre("observe_on", "identity"));
 }
+
+TEST_F(SchedulerTest, CopiesOfASchedulerAreEqualAndOtherSchedulersAreNot) {
+    const auto copy = scheduler;
+    EXPECT_TRUE(copy == scheduler);
+    EXPECT_FALSE(copy != scheduler);
+    EXPECT_NE(scheduler, rxcpp::schedulers::make_scheduler<ManualScheduler>());
+}
+
+TEST_F(SchedulerTest, WorkerEqualsItsCopiesButNoOtherWorkerOfTheScheduler) {
+    const auto copy = worker;
+    EXPECT_TRUE(copy == worker);
+    EXPECT_FALSE(copy != worker);
+    EXPECT_NE(worker, scheduler.create_worker());
+}
+
+TEST_F(SchedulerTest, WorkerMadeWithACompositeHasThatCompositeAsItsLifetime) {
+    rxcpp::composite_subscription cs;
+    EXPECT_EQ(scheduler.create_worker(cs).get_subscription(), cs);
+}
+
+TEST_F(SchedulerTest, WorkerClearEndsWhatWasAddedAndKeepsTheWorker) {
+    int calls = 0;
+    worker.add([&] { ++calls; });
+    worker.clear();
+    EXPECT_EQ(calls, 1);
+    EXPECT_TRUE(worker.is_subscribed());
+}
+
+TEST_F(SchedulerTest, SchedulableRemoveAndClearWorkOnItsOwnLifetime) {
+    rxcpp::composite_subscription cs;
+    schedulable action(cs, worker, [](const schedulable&) {});
+    int removed = 0;
+    int cleared = 0;
+    auto handle = action.add([&] { ++removed; });
+    action.remove(handle);
+    action.add([&] { ++cleared; });
+    action.clear();
+    EXPECT_EQ(cleared, 1);
+    EXPECT_TRUE(action.is_subscribed());
+    action.unsubscribe();
+    EXPECT_EQ(removed, 0);
+    EXPECT_EQ(action.get_subscription(), cs);
+}

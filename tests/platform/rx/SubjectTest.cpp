@@ -155,3 +155,11 @@ TEST(SubjectTest, ManyProducersReachEveryObserverWhileOthersComeAndGo) {
     EXPECT_EQ(count.load(), producers * perProducer);
     EXPECT_EQ(sum.load(), producers * (perProducer * (perProducer + 1LL) / 2));
 }
+
+TEST(SubjectTest, SubjectMadeFromACompositeHasThatCompositeAsItsLifetime) {
+    rxcpp::composite_subscription cs;
+    rxcpp::subjects::subject<int> s(cs);
+    EXPECT_EQ(s.get_subscription(), cs);
+    EXPECT_EQ(s.get_subscriber().get_subscription(), cs);
+    EXPECT_NE(rxcpp::subjects::subject<int>().get_subscription(), cs);
+}

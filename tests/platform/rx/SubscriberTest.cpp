@@ -99,3 +99,38 @@ TEST(SubscriberTest, SubscriberWithoutOnErrorTerminatesOnError) {
         },
         "");
 }
+
+TEST(SubscriberTest, SubscriberMadeFromACompositeHasThatComposite) {
+    rxcpp::composite_subscription cs;
+    auto withNext = rxcpp::make_subscriber<int>(cs, [](int) {});
+    auto withError = rxcpp::make_subscriber<int>(
+        cs, [](int) {}, [](std::exception_ptr) {});
+    auto withCompleted = rxcpp::make_subscriber<int>(
+        cs, [](int) {}, [] {});
+    auto withAll = rxcpp::make_subscriber<int>(
+        cs, [](int) {}, [](std::exception_ptr) {}, [] {});
+    EXPECT_EQ(withNext.get_subscription(), cs);
+    EXPECT_EQ(withError.get_subscription(), cs);
+    EXPECT_EQ(withCompleted.get_subscription(), cs);
+    EXPECT_EQ(withAll.get_subscription(), cs);
+    EXPECT_EQ(rxcpp::make_subscriber<int>(withAll).get_subscription(), cs);
+}
+
+TEST(SubscriberTest, SubscribersMadeWithoutACompositeEachGetTheirOwn) {
+    auto first = rxcpp::make_subscriber<int>([](int) {}, [](std::exception_ptr) {});
+    auto second = rxcpp::make_subscriber<int>([](int) {}, [](std::exception_ptr) {});
+    EXPECT_NE(first.get_subscription(), second.get_subscription());
+    EXPECT_EQ(first.get_subscription(), decltype(first)(first).get_subscription());
+}
+
+TEST(SubscriberTest, AddGivesAHandleThatRemoveTakes) {
+    auto s = rxcpp::make_subscriber<int>([](int) {}, [](std::exception_ptr) {});
+    int removed = 0;
+    int kept = 0;
+    auto handle = s.add([&] { ++removed; });
+    s.add([&] { ++kept; });
+    s.remove(handle);
+    s.unsubscribe();
+    EXPECT_EQ(removed, 0);
+    EXPECT_EQ(kept, 1);
+}

@@ -16,9 +16,12 @@ using Velmor::Testing::CallLog;
 
 namespace {
 
+// The settings' context is process-wide: each test starts from, and leaves, an empty one, as a
+// fresh process has it.
 class SettingsTest : public testing::Test {
 protected:
     void SetUp() override {
+        Settings::init(SettingsContext());
         ASSERT_TRUE(userDirectory.isValid());
         QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, userDirectory.path());
         customization = std::make_shared<CustomizationManager>(Velmor::ioPath("/no/such/file.ini"));
@@ -26,6 +29,7 @@ protected:
         product = std::make_shared<SettingsManager>("ReelSmithHeadless", "Velmor");
         CallLog::clear();
     }
+    void TearDown() override { Settings::init(SettingsContext()); }
 
     SettingsContext fullContext() const {
         SettingsContext context;

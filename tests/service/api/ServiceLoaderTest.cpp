@@ -52,6 +52,16 @@ TEST(ServiceLoaderTest, UnknownNameIsQuotedWithControlCharactersQuotesAndBacksla
     }
 }
 
+TEST(ServiceLoaderTest, PlaceholdersInAnUnknownNameAreQuotedAsTheyCame) {
+    const auto loader = makeLoader();
+    try {
+        loader->createService(QStringLiteral("%2%1"));
+        FAIL() << "Error expected";
+    } catch (const Error& error) {
+        EXPECT_STREQ(error.what(), "Unknown service \"%2%1\", known services: alpha, count");
+    }
+}
+
 TEST(ServiceLoaderTest, FactoryReceivesTheLoadersOwnWeakPointer) {
     auto loader = std::make_shared<ServiceLoader>();
     std::weak_ptr<const ServiceLoader> received;

@@ -208,6 +208,33 @@ TEST_F(GlobalContextProviderTest, DestructionTearsDownOnlyWhatWasBuilt) {
     EXPECT_EQ(contextsDestroyed(), (Names{"Media", "Engine"}));
 }
 
+TEST_F(GlobalContextProviderTest, BuiltContextsAreNoneBeforeAnyRequire) {
+    const GlobalContextProvider provider({"app"});
+    EXPECT_EQ(provider.builtContexts(), GlobalContextProvider::GlobalContexts());
+}
+
+TEST_F(GlobalContextProviderTest, BuiltContextsAreTheOnesAskedForWithWhatTheyDependOn) {
+    GlobalContextProvider provider({"app"});
+    provider.require(GlobalContextProvider::Content);
+    EXPECT_EQ(provider.builtContexts(), GlobalContextProvider::Engine | GlobalContextProvider::Media
+                                            | GlobalContextProvider::Content);
+}
+
+TEST_F(GlobalContextProviderTest, BuiltContextsAfterAHotStartAreAllFour) {
+    const GlobalContextProvider provider({"app", "--hot-start"});
+    EXPECT_EQ(provider.builtContexts(), GlobalContextProvider::Engine | GlobalContextProvider::Media
+                                            | GlobalContextProvider::Content
+                                            | GlobalContextProvider::Render);
+}
+
+TEST_F(GlobalContextProviderTest, BuiltContextsLeaveOutAContextThatFailedToStart) {
+    GlobalContextProvider provider({"app"});
+    Probe::failNext("Composition::Controller::Controller");
+    EXPECT_THROW(provider.requireAll(), std::runtime_error);
+    EXPECT_EQ(provider.builtContexts(), GlobalContextProvider::Engine | GlobalContextProvider::Media
+                                            | GlobalContextProvider::Content);
+}
+
 TEST_F(GlobalContextProviderTest, ResourceCalledTwiceReturnsTheSameObject) {
     const GlobalContextProvider provider({"app"});
     const auto first = provider.resource(GlobalContextProvider::RenderJobs);

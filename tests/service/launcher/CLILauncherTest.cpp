@@ -65,10 +65,14 @@ public:
 };
 
 // Each test runs in a working directory of its own, where it may put a customization file, and
-// keeps the settings stores out of the user's directories.
+// keeps the settings stores out of the user's directories. The translator's locale is
+// process-wide and the launcher sets it, so each test starts from a fresh process's.
 class CLILauncherTest : public testing::Test {
 protected:
     void SetUp() override {
+        Velmor::Testing::resetTranslator();
+        identity = {QCoreApplication::applicationVersion(), QCoreApplication::organizationName(),
+                    QCoreApplication::applicationName()};
         ASSERT_TRUE(workingDirectory.isValid());
         ASSERT_TRUE(userDirectory.isValid());
         QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, userDirectory.path());
@@ -80,6 +84,10 @@ protected:
     void TearDown() override {
         CallLog::setObserver({});
         QDir::setCurrent(previousDirectory);
+        Velmor::Testing::resetTranslator();
+        QCoreApplication::setApplicationVersion(identity.version);
+        QCoreApplication::setOrganizationName(identity.organization);
+        QCoreApplication::setApplicationName(identity.application);
     }
 
     void writeCustomization(const QByteArray& contents) {
@@ -95,6 +103,10 @@ protected:
     QTemporaryDir workingDirectory;
     QTemporaryDir userDirectory;
     QString previousDirectory;
+    // The process's identity before the test, which the launcher changes.
+    struct {
+        QString version, organization, application;
+    } identity;
 };
 
 void expectAllWeakReferencesExpired() {

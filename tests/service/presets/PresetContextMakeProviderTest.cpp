@@ -145,6 +145,20 @@ TEST_F(PresetContextMakeProviderTest, PresetNameIsComparedWithCase) {
     EXPECT_EQ(failure(context, nullptr), unknownPresetMessage("MP4"));
 }
 
+TEST_F(PresetContextMakeProviderTest, PlaceholdersInAnUnknownPresetNameAreQuotedAsTheyCame) {
+    for (const char* name : {"%2", "a%1b", "%1", "%2%1", "100%"}) {
+        PresetContext context;
+        context.preset = QString::fromUtf8(name);
+        EXPECT_EQ(failure(context, nullptr), unknownPresetMessage(name));
+    }
+}
+
+TEST_F(PresetContextMakeProviderTest, PlaceholdersInAnUnexpectedCodecAreQuotedAsTheyCame) {
+    PresetContext context;
+    context.videoCodec = QStringLiteral("%1%2");
+    EXPECT_EQ(failure(context, nullptr), "Unexpected video codec for preset: %1%2");
+}
+
 TEST_F(PresetContextMakeProviderTest, EmptyPresetNameIsUnknown) {
     PresetContext context;
     context.preset = QString();

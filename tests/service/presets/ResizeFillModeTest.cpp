@@ -86,19 +86,14 @@ INSTANTIATE_TEST_SUITE_P(Texts, ResizeFillModeFailureTest,
                                          FailureRow{"LeadingBlank", QStringLiteral(" Fit")},
                                          FailureRow{"Number", QStringLiteral("0")},
                                          FailureRow{"TwoNames", QStringLiteral("Fit,Fill")},
-                                         FailureRow{"Unknown", QStringLiteral("Letterbox")}),
+                                         FailureRow{"Unknown", QStringLiteral("Letterbox")},
+                                         FailureRow{"PlaceholderOne", QStringLiteral("%1")},
+                                         FailureRow{"PlaceholderTwo", QStringLiteral("%2")},
+                                         FailureRow{"PlaceholderInside", QStringLiteral("a%1b")},
+                                         FailureRow{"BothPlaceholders", QStringLiteral("%2%1")}),
                          [](const testing::TestParamInfo<FailureRow>& row) {
                              return std::string(row.param.name);
                          });
-
-// The two substitutions run one after the other, so a placeholder in the text is filled by the
-// second one.
-TEST(ResizeFillModeTest, MessageIsFilledByTwoSubstitutionsInARow) {
-    SettingsResizer::CustomModes mode = SettingsResizer::Fit;
-    EXPECT_EQ(readFailure(mode, QStringLiteral("%1")),
-              std::string("Can not parse preset resize mode \"") + allModes
-                  + "\", expects one of %2");
-}
 
 TEST(ResizeFillModeTest, OptionFieldsAndJsonUseTheName) {
     using EditorService::CLI::dumpValue;
