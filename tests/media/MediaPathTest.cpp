@@ -36,7 +36,12 @@ TEST(MediaPathTest, AnExplicitPathOptionWinsAndNothingChanges) {
 TEST(MediaPathTest, WithoutAPositionalArgumentNothingChanges) {
     const QStringList arguments{"thumbnail", "--output=t.png"};
     EXPECT_EQ(withPathOption(arguments, options, path), arguments);
+}
+
+TEST(MediaPathTest, AnEmptyListStaysEmptyWithoutAWarning) {
+    testing::internal::CaptureStderr();
     EXPECT_EQ(withPathOption({}, options, path), QStringList());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST(MediaPathTest, APathBehindTheSeparatorMayStartWithADash) {
