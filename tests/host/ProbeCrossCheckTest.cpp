@@ -98,7 +98,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Fixture{"Wav", "tone.wav"}, Fixture{"PngStill", "still.png"},
                     Fixture{"OddWidth1921x1080", "wide_1921x1080.mp4"},
                     Fixture{"Portrait", "portrait.mp4"}, Fixture{"NoAudio", "noaudio.mp4"},
-                    Fixture{"LosslessFfv1", "lossless.mkv"}),
+                    Fixture{"LosslessFfv1", "lossless.mkv"},
+                    Fixture{"SubtitleAndAttachment", "subtitles.mkv"}),
     [](const testing::TestParamInfo<Fixture>& info) { return info.param.name; });
 
 } // namespace

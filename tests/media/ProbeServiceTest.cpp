@@ -91,6 +91,17 @@ TEST_F(ProbeServiceTest, APictureHasNoBitRate) {
     EXPECT_EQ(probed["streams"][0]["height"], 48);
 }
 
+TEST_F(ProbeServiceTest, StreamsNeitherVideoNorAudioHaveIndexTypeAndCodecOnly) {
+    startProvider();
+    const auto collected = probe(fixture("subtitles.mkv"));
+    ASSERT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+    const auto& streams = collected->values[0]["probe"]["streams"];
+    ASSERT_EQ(streams.size(), 3u);
+    EXPECT_EQ(streams[1],
+              (nlohmann::json{{"index", 1}, {"type", "subtitle"}, {"codec", "subrip"}}));
+    EXPECT_EQ(streams[2], (nlohmann::json{{"index", 2}, {"type", "attachment"}, {"codec", "ttf"}}));
+}
+
 TEST_F(ProbeServiceTest, TheRuntimeStartsOnlyWhenTheCommandRunsAndOnlyUpToMedia) {
     startProvider();
     ProbeService service;
