@@ -6,6 +6,10 @@ namespace EditorService {
 
 QStringList withPathOption(const QStringList& arguments, const QList<QCommandLineOption>& options,
                            const QCommandLineOption& pathOption) {
+    // The parser warns on stderr about a list without even the program path; there is nothing
+    // to read in it anyway.
+    if (arguments.isEmpty())
+        return arguments;
     QCommandLineParser parser;
     parser.addOptions(options);
     parser.addHelpOption();

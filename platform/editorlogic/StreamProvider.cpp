@@ -66,8 +66,11 @@ public:
                 if (entry->second.expires < first->second.expires)
                     first = entry;
             }
-            if (Clock::now() < first->second.expires) {
-                changed.wait_until(lock, first->second.expires);
+            // A copy: while the lock is released a user may take the entry out of the cache,
+            // and wait_until reads its deadline again on waking.
+            const Clock::time_point deadline = first->second.expires;
+            if (Clock::now() < deadline) {
+                changed.wait_until(lock, deadline);
                 continue;
             }
             auto expired = std::move(first->second.stream);

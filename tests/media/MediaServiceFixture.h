@@ -1,0 +1,75 @@
+#pragma once
+
+#include "platform/foundation/CallLog.h"
+#include "platform/package/PackageDirectory.h"
+#include "service/contexts/GlobalContextProvider.h"
+#include "tests/host/services/Collect.h"
+#include "tests/support/MediaFixtures.h"
+
+#include <QTemporaryDir>
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <optional>
+#include <vector>
+
+namespace EditorService::Testing {
+
+// A media service run in process: a package directory of the test's own, an empty call log,
+// and a provider built only when the test asks for one, with its command line.
+// The requests as a stream, one after the other.
+template <class R> rxcpp::observable<R> each(const std::vector<R>& requests) {
+    return rxcpp::observable<>::create<R>([requests](rxcpp::subscriber<R> subscriber) {
+        for (const R& request : requests)
+            subscriber.on_next(request);
+        subscriber.on_completed();
+    });
+}
+
+class MediaServiceFixture : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(m_packages.isValid());
+        ASSERT_TRUE(m_scratch.isValid());
+        Package::setPackageDirectory(m_packages.path());
+        Velmor::Testing::CallLog::clear();
+    }
+    void TearDown() override {
+        provider.reset();
+        Package::setPackageDirectory(QString());
+    }
+
+    void startProvider(const QStringList& options = {}) {
+        provider.emplace(QStringList{"app"} + options);
+    }
+
+    static QString fixture(const std::string& name) {
+        return QString::fromStdString(mediaFixture(name));
+    }
+    QString scratchFile(const QString& name) const { return m_scratch.filePath(name); }
+
+    static int countOf(const std::string& entry) {
+        const auto entries = Velmor::Testing::CallLog::entries();
+        return static_cast<int>(std::count(entries.begin(), entries.end(), entry));
+    }
+
+    // The stream's failure: its text when it is an E, else marked as of another type.
+    template <class E> static std::string failureOf(const std::shared_ptr<Collected>& collected) {
+        if (!collected->error)
+            return "no failure";
+        try {
+            std::rethrow_exception(collected->error);
+        } catch (const E& error) {
+            return error.what();
+        } catch (const std::exception& error) {
+            return std::string("of another type: ") + error.what();
+        }
+    }
+
+    std::optional<GlobalContextProvider> provider;
+
+private:
+    QTemporaryDir m_packages;
+    QTemporaryDir m_scratch;
+};
+
+} // namespace EditorService::Testing

@@ -1,0 +1,187 @@
+#include "media/ThumbnailRequest.h"
+
+#include "service/api/Error.h"
+#include "service/api/HelpException.h"
+
+#include <gtest/gtest.h>
+
+using EditorService::Error;
+using EditorService::ThumbnailRequest;
+using EditorService::CLI::HelpException;
+using Velmor::Proc::SettingsResizer;
+
+namespace {
+
+// What loading throws, as "<type>: <text>".
+template <class Load> std::string failureOf(Load load) {
+    try {
+        load();
+    } catch (const HelpException& help) {
+        return std::string("HelpException: ") + help.what();
+    } catch (const Error& error) {
+        return std::string("Error: ") + error.what();
+    } catch (const std::exception& error) {
+        return std::string("other: ") + error.what();
+    }
+    return "no failure";
+}
+
+const ThumbnailRequest& thumbnail(const std::unique_ptr<EditorService::Request>& request) {
+    return dynamic_cast<const ThumbnailRequest&>(*request);
+}
+
+std::string fromCli(QStringList arguments) {
+    arguments.prepend(QStringLiteral("thumbnail"));
+    return failureOf([&] { ThumbnailRequest::Serializer().loadFromCli(arguments); });
+}
+
+std::string fromJson(const nlohmann::json& value) {
+    return failureOf([&] { ThumbnailRequest::Serializer().loadFromJson(value); });
+}
+
+} // namespace
+
+TEST(ThumbnailRequestTest, OptionsHaveTheirNamesValueNamesAndDefaults) {
+    EXPECT_EQ(ThumbnailRequest::pathOption().names(), QStringList{"path"});
+    EXPECT_EQ(ThumbnailRequest::outputOption().names(), QStringList{"output"});
+    EXPECT_EQ(ThumbnailRequest::outputOption().valueName(), "file.png");
+    EXPECT_EQ(ThumbnailRequest::atOption().names(), QStringList{"at"});
+    EXPECT_EQ(ThumbnailRequest::atOption().valueName(), "ms");
+    EXPECT_EQ(ThumbnailRequest::atOption().defaultValues(), QStringList{"0"});
+}
+
+TEST(ThumbnailRequestTest, TheCommandLineGivesEveryField) {
+    ThumbnailRequest::Serializer serializer;
+    const auto request =
+        serializer.loadFromCli({"thumbnail", "clip.mp4", "--output=t.png", "--at=1500",
+                                "--preset-frame-size=160:90", "--preset-resize-fill-mode=Fill"});
+    const auto& loaded = thumbnail(request);
+    EXPECT_EQ(loaded.path, "clip.mp4");
+    EXPECT_EQ(loaded.output, "t.png");
+    EXPECT_EQ(loaded.at, 1500);
+    ASSERT_TRUE(loaded.frameSize);
+    EXPECT_EQ(*loaded.frameSize, PresetFrameSize(160, 90));
+    EXPECT_EQ(loaded.resizeFillMode, SettingsResizer::Fill);
+}
+
+TEST(ThumbnailRequestTest, WithoutOptionalFieldsTheTimeIsZeroAndSizeAndModeAreUnset) {
+    const auto request =
+        ThumbnailRequest::Serializer().loadFromCli({"thumbnail", "clip.mp4", "--output=t.png"});
+    const auto& loaded = thumbnail(request);
+    EXPECT_EQ(loaded.at, 0);
+    EXPECT_FALSE(loaded.frameSize);
+    EXPECT_FALSE(loaded.resizeFillMode);
+}
+
+TEST(ThumbnailRequestTest, TheOriginalFrameSizeIsAccepted) {
+    const auto request = ThumbnailRequest::Serializer().loadFromCli(
+        {"thumbnail", "clip.mp4", "--output=t.png", "--preset-frame-size=original"});
+    ASSERT_TRUE(thumbnail(request).frameSize);
+    EXPECT_TRUE(thumbnail(request).frameSize->isOriginal());
+}
+
+TEST(ThumbnailRequestTest, AnOddFrameSizeIsAcceptedForAPicture) {
+    const auto request = ThumbnailRequest::Serializer().loadFromCli(
+        {"thumbnail", "clip.mp4", "--output=t.png", "--preset-frame-size=1:1"});
+    EXPECT_EQ(*thumbnail(request).frameSize, PresetFrameSize(1, 1));
+}
+
+TEST(ThumbnailRequestTest, TheJsonFormHasTheFieldsUnderTheOptionNames) {
+    ThumbnailRequest::Serializer serializer;
+    const nlohmann::json json{{"path", "clip.mp4"},
+                              {"output", "t.png"},
+                              {"at", 1500},
+                              {"preset-frame-size", "160:90"},
+                              {"preset-resize-fill-mode", "Center"}};
+    const auto request = serializer.loadFromJson(json);
+    const auto& loaded = thumbnail(request);
+    EXPECT_EQ(loaded.path, "clip.mp4");
+    EXPECT_EQ(loaded.output, "t.png");
+    EXPECT_EQ(loaded.at, 1500);
+    EXPECT_EQ(*loaded.frameSize, PresetFrameSize(160, 90));
+    EXPECT_EQ(loaded.resizeFillMode, SettingsResizer::Center);
+    EXPECT_EQ(serializer.toJson(*request), json);
+}
+
+TEST(ThumbnailRequestTest, BothFormsRoundTrip) {
+    ThumbnailRequest::Serializer serializer;
+    const auto request = serializer.loadFromCli({"thumbnail", "dir/a b.mp4", "--output=o.png",
+                                                 "--at=42", "--preset-frame-size=320:240",
+                                                 "--preset-resize-fill-mode=FitWidth"});
+    for (const auto& again : {serializer.loadFromCli(serializer.toCli(*request)),
+                              serializer.loadFromJson(serializer.toJson(*request))}) {
+        const auto& loaded = thumbnail(again);
+        EXPECT_EQ(loaded.path, "dir/a b.mp4");
+        EXPECT_EQ(loaded.output, "o.png");
+        EXPECT_EQ(loaded.at, 42);
+        EXPECT_EQ(*loaded.frameSize, PresetFrameSize(320, 240));
+        EXPECT_EQ(loaded.resizeFillMode, SettingsResizer::FitWidth);
+    }
+}
+
+TEST(ThumbnailRequestTest, HelpDescribesTheServiceAndEveryOption) {
+    const std::string help = fromCli({"--help"});
+    EXPECT_EQ(help.rfind("HelpException: ", 0), 0u) << help;
+    for (const char* expected :
+         {"Write the frame on screen at a time of a video as a PNG picture", "--path <path>",
+          "--output <file.png>", "--at <ms>", "--preset-frame-size", "--preset-resize-fill-mode"})
+        EXPECT_NE(help.find(expected), std::string::npos) << expected;
+}
+
+TEST(ThumbnailRequestTest, WithoutAPathLoadingFailsWithError) {
+    EXPECT_EQ(fromCli({"--output=t.png"}),
+              "Error: No media file specified, try --help for all available options");
+    EXPECT_EQ(fromJson({{"output", "t.png"}}),
+              "Error: No media file specified, try --help for all available options");
+}
+
+TEST(ThumbnailRequestTest, WithoutAnOutputLoadingFailsWithError) {
+    EXPECT_EQ(fromCli({"clip.mp4"}),
+              "Error: No output file specified, try --help for all available options");
+    EXPECT_EQ(fromCli({"clip.mp4", "--output="}),
+              "Error: No output file specified, try --help for all available options");
+    EXPECT_EQ(fromJson({{"path", "clip.mp4"}}),
+              "Error: No output file specified, try --help for all available options");
+}
+
+TEST(ThumbnailRequestTest, ANegativeTimeFailsWithError) {
+    EXPECT_EQ(fromCli({"clip.mp4", "--output=t.png", "--at=-5"}),
+              "Error: --at must not be negative, is -5");
+    EXPECT_EQ(fromJson({{"path", "clip.mp4"}, {"output", "t.png"}, {"at", -5}}),
+              "Error: --at must not be negative, is -5");
+}
+
+TEST(ThumbnailRequestTest, AnEmptyFrameSizeFailsWithError) {
+    EXPECT_EQ(fromCli({"clip.mp4", "--output=t.png", "--preset-frame-size=0:0"}),
+              "Error: Frame size must be at least 1:1, is 0:0");
+    EXPECT_EQ(fromCli({"clip.mp4", "--output=t.png", "--preset-frame-size=160:0"}),
+              "Error: Frame size must be at least 1:1, is 160:0");
+    EXPECT_EQ(fromJson({{"path", "clip.mp4"}, {"output", "t.png"}, {"preset-frame-size", "0:0"}}),
+              "Error: Frame size must be at least 1:1, is 0:0");
+}
+
+TEST(ThumbnailRequestTest, AFrameSizeThatDoesNotParseFailsWithThePresetOptionsText) {
+    EXPECT_EQ(fromCli({"clip.mp4", "--output=t.png", "--preset-frame-size=abc"}),
+              "Error: Can not parse frame size \"abc\", expects \"width:height\"");
+    EXPECT_EQ(fromJson({{"path", "clip.mp4"}, {"output", "t.png"}, {"preset-frame-size", "1x1"}}),
+              "Error: Can not parse frame size \"1x1\", expects \"width:height\"");
+}
+
+TEST(ThumbnailRequestTest, AnUnknownFillModeFailsWithThePresetOptionsText) {
+    const std::string expected = "Error: Can not parse preset resize mode \"fit\", expects one of "
+                                 "Fit,Fill,Stretch,FitWidth,FitHeight,Center";
+    EXPECT_EQ(fromCli({"clip.mp4", "--output=t.png", "--preset-resize-fill-mode=fit"}), expected);
+    EXPECT_EQ(
+        fromJson({{"path", "clip.mp4"}, {"output", "t.png"}, {"preset-resize-fill-mode", "fit"}}),
+        expected);
+}
+
+TEST(ThumbnailRequestTest, ATimeThatIsNoNumberFailsToParse) {
+    EXPECT_EQ(fromCli({"clip.mp4", "--output=t.png", "--at=abc"}),
+              "other: Can not parse \"abc\" as long long");
+}
+
+TEST(ThumbnailRequestTest, ADefaultRequestIsInvalid) {
+    EXPECT_EQ(failureOf([] { ThumbnailRequest().validateOnLoad(); }),
+              "Error: No media file specified, try --help for all available options");
+}

@@ -1,0 +1,212 @@
+#include "media/ThumbnailService.h"
+
+#include "platform/av/MediaError.h"
+#include "platform/editorlogic/StreamProvider.h"
+#include "platform/engine/PluginError.h"
+#include "service/api/Error.h"
+#include "tests/media/MediaServiceFixture.h"
+
+#include <QFile>
+#include <gtest/gtest.h>
+
+using EditorService::Error;
+using EditorService::ThumbnailRequest;
+using EditorService::ThumbnailService;
+using EditorService::Testing::Collected;
+using EditorService::Testing::collectToEnd;
+using EditorService::Testing::errorText;
+using Velmor::AV::MediaError;
+using Velmor::Core::PluginError;
+
+namespace {
+
+class ThumbnailServiceTest : public EditorService::Testing::MediaServiceFixture {
+protected:
+    static std::shared_ptr<Collected> thumbnail(QStringList arguments) {
+        arguments.prepend(QStringLiteral("thumbnail"));
+        ThumbnailService service;
+        return collectToEnd(service.run(arguments));
+    }
+
+    // The first bytes of a PNG file.
+    static bool isPng(const QString& path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) && file.read(8) == "\x89PNG\r\n\x1a\n";
+    }
+
+    // Thumbnails of one file at several times, one after the other as a script of one job
+    // runs them; returns how many streams the media layer opened for them.
+    int openingsForThumbnailsOf(const QString& path, int count) {
+        for (int i = 0; i < count; ++i) {
+            const auto collected =
+                thumbnail({path, "--output=" + scratchFile(QStringLiteral("t%1.png").arg(i)),
+                           QStringLiteral("--at=%1").arg(i * 100)});
+            EXPECT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+        }
+        const auto* streams = Media::StreamProvider::instance();
+        return streams ? streams->openedStreams() : -1;
+    }
+};
+
+TEST_F(ThumbnailServiceTest, IsKnownAsThumbnail) {
+    EXPECT_EQ(ThumbnailService::serviceId(), "thumbnail");
+}
+
+TEST_F(ThumbnailServiceTest, WritesTheFrameShownAtTheTimeAndEmitsExactlyItsKeys) {
+    startProvider();
+    const QString path = fixture("h264_aac.mp4");
+    const QString output = scratchFile("t.png");
+    const auto collected = thumbnail({path, "--output=" + output, "--at=1500"});
+    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    EXPECT_TRUE(collected->completed);
+    ASSERT_EQ(collected->values.size(), 1u);
+    // 25 frames a second: the frame at 1480 ms is on screen until 1520 ms.
+    const nlohmann::json expected{{"thumbnail",
+                                   {{"path", path.toStdString()},
+                                    {"output", output.toStdString()},
+                                    {"at_ms", 1500},
+                                    {"frame_ms", 1480},
+                                    {"width", 320},
+                                    {"height", 240}}}};
+    EXPECT_EQ(collected->values[0], expected);
+    EXPECT_TRUE(isPng(output));
+}
+
+TEST_F(ThumbnailServiceTest, WithoutATimeTheFirstFrameIsTaken) {
+    startProvider();
+    const auto collected = thumbnail({fixture("portrait.mp4"), "--output=" + scratchFile("t.png")});
+    ASSERT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+    const auto& taken = collected->values[0]["thumbnail"];
+    EXPECT_EQ(taken["at_ms"], 0);
+    EXPECT_EQ(taken["frame_ms"], 0);
+    EXPECT_EQ(taken["width"], 180);
+    EXPECT_EQ(taken["height"], 320);
+}
+
+TEST_F(ThumbnailServiceTest, TheFrameSizeAndFillModeGiveTheSizeOfThePicture) {
+    startProvider();
+    const QString output = scratchFile("t.png");
+    const auto collected =
+        thumbnail({fixture("h264_aac.mp4"), "--output=" + output, "--preset-frame-size=160:160",
+                   "--preset-resize-fill-mode=Fit"});
+    ASSERT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+    EXPECT_EQ(collected->values[0]["thumbnail"]["width"], 160);
+    EXPECT_EQ(collected->values[0]["thumbnail"]["height"], 160);
+    EXPECT_TRUE(isPng(output));
+}
+
+TEST_F(ThumbnailServiceTest, TheOriginalFrameSizeKeepsTheFramesSize) {
+    startProvider();
+    const auto collected =
+        thumbnail({fixture("wide_1921x1080.mp4"), "--output=" + scratchFile("t.png"),
+                   "--preset-frame-size=original"});
+    ASSERT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+    EXPECT_EQ(collected->values[0]["thumbnail"]["width"], 1921);
+    EXPECT_EQ(collected->values[0]["thumbnail"]["height"], 1080);
+}
+
+TEST_F(ThumbnailServiceTest, TheRuntimeStartsOnlyWhenTheCommandRuns) {
+    startProvider();
+    ThumbnailService service;
+    const auto stream = service.run(
+        QStringList{"thumbnail", fixture("noaudio.mp4"), "--output=" + scratchFile("t.png")});
+    EXPECT_EQ(countOf("CoreManager::Initialize"), 0);
+    EXPECT_EQ(countOf("Composition::Controller::Controller"), 0);
+    const auto collected = collectToEnd(stream);
+    ASSERT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+    EXPECT_EQ(countOf("CoreManager::Initialize"), 1);
+    EXPECT_EQ(countOf("Composition::Controller::Controller"), 1);
+}
+
+TEST_F(ThumbnailServiceTest, ManyThumbnailsOfOneFileOpenItOnceWithTheDefaultCacheLifetime) {
+    startProvider();
+    EXPECT_EQ(openingsForThumbnailsOf(fixture("h264_aac.mp4"), 8), 1);
+}
+
+TEST_F(ThumbnailServiceTest, WithoutACacheEveryThumbnailOpensTheFileAgain) {
+    startProvider({"--cache-ttl=0"});
+    EXPECT_EQ(openingsForThumbnailsOf(fixture("h264_aac.mp4"), 8), 8);
+    EXPECT_EQ(Media::StreamProvider::instance()->cachedStreams(), 0);
+}
+
+TEST_F(ThumbnailServiceTest, EachRequestOfAStreamGivesItsValue) {
+    startProvider();
+    std::vector<ThumbnailRequest> requests(3);
+    for (int i = 0; i < 3; ++i) {
+        requests[i].path = fixture("clip.webm");
+        requests[i].output = scratchFile(QStringLiteral("t%1.png").arg(i));
+        requests[i].at = 500 * i;
+    }
+    ThumbnailService service;
+    const auto collected = collectToEnd(service.run(EditorService::Testing::each(requests)));
+    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    EXPECT_TRUE(collected->completed);
+    EXPECT_EQ(collected->values.size(), 3u);
+    for (const auto& request : requests)
+        EXPECT_TRUE(isPng(request.output)) << request.output.toStdString();
+}
+
+TEST_F(ThumbnailServiceTest, AMissingFileFailsWithMediaError) {
+    startProvider();
+    const QString path = scratchFile("missing.mp4");
+    const auto collected = thumbnail({path, "--output=" + scratchFile("t.png")});
+    EXPECT_TRUE(collected->values.empty());
+    EXPECT_EQ(failureOf<MediaError>(collected),
+              "Can not open media file: " + path.toStdString() + ": No such file or directory");
+    EXPECT_FALSE(QFile::exists(scratchFile("t.png")));
+}
+
+TEST_F(ThumbnailServiceTest, AFileThatIsNoMediaFailsWithMediaError) {
+    startProvider();
+    const QString path = fixture("notmedia.txt");
+    EXPECT_EQ(failureOf<MediaError>(thumbnail({path, "--output=" + scratchFile("t.png")})),
+              "Can not open media file: " + path.toStdString()
+                  + ": Invalid data found when processing input");
+}
+
+TEST_F(ThumbnailServiceTest, AFileWithoutVideoFailsWithMediaError) {
+    startProvider();
+    const QString path = fixture("tone.wav");
+    const auto collected = thumbnail({path, "--output=" + scratchFile("t.png")});
+    EXPECT_EQ(failureOf<MediaError>(collected), "No video stream in " + path.toStdString());
+    EXPECT_FALSE(QFile::exists(scratchFile("t.png")));
+}
+
+TEST_F(ThumbnailServiceTest, ATimePastTheEndFailsWithMediaErrorGivingTheDuration) {
+    startProvider();
+    const QString path = fixture("h264_aac.mp4");
+    EXPECT_EQ(
+        failureOf<MediaError>(thumbnail({path, "--output=" + scratchFile("t.png"), "--at=90000"})),
+        "Time 90000 ms is past the end of " + path.toStdString() + " (2000 ms)");
+}
+
+TEST_F(ThumbnailServiceTest, AnOutputThatCanNotBeWrittenFailsWithMediaError) {
+    startProvider();
+    const QString output = scratchFile("no/such/dir/t.png");
+    EXPECT_EQ(failureOf<MediaError>(thumbnail({fixture("h264_aac.mp4"), "--output=" + output})),
+              "Can not write " + output.toStdString() + ": No such file or directory");
+}
+
+TEST_F(ThumbnailServiceTest, WithDecodersDisabledAThumbnailFailsWithPluginError) {
+    startProvider({"--disable-plugin=DecodersFF"});
+    EXPECT_EQ((failureOf<PluginError>(
+                  thumbnail({fixture("h264_aac.mp4"), "--output=" + scratchFile("t.png")}))),
+              "Can not read media: the plug-in DecodersFF is disabled");
+}
+
+TEST_F(ThumbnailServiceTest, WithEncodersDisabledAThumbnailFailsWithPluginError) {
+    startProvider({"--disable-plugin=EncodersFF"});
+    EXPECT_EQ((failureOf<PluginError>(
+                  thumbnail({fixture("h264_aac.mp4"), "--output=" + scratchFile("t.png")}))),
+              "Can not encode CODEC_ID_PNG: the plug-in EncodersFF is disabled");
+    EXPECT_FALSE(QFile::exists(scratchFile("t.png")));
+}
+
+TEST_F(ThumbnailServiceTest, WithoutAProviderTheStreamFailsWithErrorAndStartsNothing) {
+    const auto collected = thumbnail({fixture("h264_aac.mp4"), "--output=" + scratchFile("t.png")});
+    EXPECT_TRUE(collected->values.empty());
+    EXPECT_EQ(failureOf<Error>(collected), "No runtime: the process has no GlobalContextProvider");
+    EXPECT_EQ(countOf("CoreManager::Initialize"), 0);
+}
+
+} // namespace
