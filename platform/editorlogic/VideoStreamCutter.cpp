@@ -119,8 +119,9 @@ VideoStreamCutter::VideoStreamCutter(Velmor::AV::Demuxer& demuxer, Velmor::AV::D
 VideoStreamCutter::~VideoStreamCutter() = default;
 
 const Frame& VideoStreamCutter::frameAt(std::int64_t milliseconds) {
+    // A file that tells no duration, a still picture, shows its last frame at any time.
     const std::int64_t duration = d->demuxer.info().durationMs;
-    if (milliseconds > duration) {
+    if (duration > 0 && milliseconds > duration) {
         throw MediaError("Time " + std::to_string(milliseconds) + " ms is past the end of "
                          + d->demuxer.path() + " (" + std::to_string(duration) + " ms)");
     }

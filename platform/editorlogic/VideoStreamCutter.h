@@ -25,7 +25,8 @@ public:
     // The frame on screen at the time: the last frame whose display time is at or before it, or
     // the first frame for a time before that. Valid until the next call. Throws
     // Velmor::AV::MediaError "Time <t> ms is past the end of <path> (<duration> ms)" for a time
-    // after the file's end, and "No frame in <path>" for a stream that decodes to nothing.
+    // after the end of a file that tells its duration, and "No frame in <path>" for a stream
+    // that decodes to nothing.
     const Velmor::AV::Frame& frameAt(std::int64_t milliseconds);
     // The display time of the frame frameAt gave last, in milliseconds from the file's start.
     std::int64_t frameMilliseconds() const;

@@ -86,3 +86,11 @@ TEST(VideoStreamCutterStillTest, AStillShowsItsOneFrameAtTimeZero) {
     EXPECT_EQ(cutter.frameAt(0).width(), 64);
     EXPECT_EQ(cutter.frameMilliseconds(), 0);
 }
+
+TEST(VideoStreamCutterStillTest, AStillTellsNoDurationAndShowsItsFrameAtAnyTime) {
+    Velmor::AV::Demuxer demuxer(mediaFixture("still.png"));
+    Velmor::AV::Decoder decoder(demuxer, 0);
+    Media::VideoStreamCutter cutter(demuxer, decoder);
+    EXPECT_EQ(cutter.frameAt(5000).width(), 64);
+    EXPECT_EQ(cutter.frameMilliseconds(), 0);
+}
