@@ -49,21 +49,20 @@ int main(int argc, char** argv) {
                             [](std::weak_ptr<const EditorService::ServiceLoader>) {
                                 return std::make_shared<GreetService>();
                             });
-    const EditorService::ScriptService script(loader);
+    EditorService::ScriptService script(loader);
     int status = 0;
     script.run(QCoreApplication::arguments())
-        .subscribe(
-            [](const nlohmann::json& value) { std::printf("%s\n", value.dump().c_str()); },
-            [&status](std::exception_ptr error) {
-                try {
-                    std::rethrow_exception(error);
-                } catch (const std::exception& failure) {
-                    std::fprintf(stderr, "%s\n", failure.what());
-                }
-                status = 1;
-                QCoreApplication::exit();
-            },
-            [] { QCoreApplication::exit(); });
+        .subscribe([](const nlohmann::json& value) { std::printf("%s\n", value.dump().c_str()); },
+                   [&status](std::exception_ptr error) {
+                       try {
+                           std::rethrow_exception(error);
+                       } catch (const std::exception& failure) {
+                           std::fprintf(stderr, "%s\n", failure.what());
+                       }
+                       status = 1;
+                       QCoreApplication::exit();
+                   },
+                   [] { QCoreApplication::exit(); });
     QCoreApplication::exec();
     return status;
 }

@@ -47,7 +47,7 @@ public:
 
 } // namespace
 
-GlobalContextProvider* GlobalContextProvider::s_self = nullptr;
+std::atomic<GlobalContextProvider*> GlobalContextProvider::s_self{nullptr};
 
 class GlobalContextProvider::Private {
 public:

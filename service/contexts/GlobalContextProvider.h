@@ -7,6 +7,7 @@
 #include <QList>
 #include <QObject>
 #include <QStringList>
+#include <atomic>
 #include <memory>
 
 namespace Velmor::rx {
@@ -57,6 +58,12 @@ public:
     // The shared resource, built at its first use. Throws std::invalid_argument for a value
     // that names no resource.
     std::shared_ptr<Velmor::rx::LimitedResource> resource(Resource which) const;
+    // Blocks until no worker is busy, spinning an event loop of its own on this thread, which
+    // must be the provider's. It holds the provider's lock all the while, so that the busy and
+    // idle handlers the loop delivers here can take it again: a worker that calls require,
+    // resource or waitForWorkers from another thread on its way to idle blocks until the wait
+    // is over, and since the wait waits for that worker, the two deadlock. Workers report and
+    // leave the provider alone.
     void waitForWorkers();
 
 private:
@@ -65,7 +72,8 @@ private:
     class Private;
     std::unique_ptr<Private> d;
 
-    static GlobalContextProvider* s_self;
+    // Read from any thread.
+    static std::atomic<GlobalContextProvider*> s_self;
 };
 
 } // namespace EditorService
