@@ -400,7 +400,8 @@ TEST_F(ExporterTest, AnUnreadableInputFailsAndLeavesNoFile) {
         exporter.run({});
         FAIL() << "no exception";
     } catch (const MediaError& error) {
-        EXPECT_EQ(std::string(error.what()).rfind("Can not ", 0), 0u) << error.what();
+        EXPECT_EQ(error.what(), "Can not open media file: " + mediaFixture("truncated.mp4")
+                                    + ": Invalid data found when processing input");
     }
     expectNoFiles(exporter);
 }
