@@ -1,5 +1,7 @@
 #include "media/MediaPath.h"
 
+#include "service/api/Error.h"
+
 #include <QCommandLineParser>
 
 namespace EditorService {
@@ -21,6 +23,18 @@ QStringList withPathOption(const QStringList& arguments, const QList<QCommandLin
     return QStringList(arguments.mid(0, 1))
            << QStringLiteral("--%1=%2").arg(pathOption.names().first(), positional.first())
            << arguments.mid(1);
+}
+
+QCommandLineOption mediaPathOption(const QString& what) {
+    return QCommandLineOption(QStringLiteral("path"),
+                              QStringLiteral("%1; may stand first without the option's name.")
+                                  .arg(what),
+                              QStringLiteral("path"));
+}
+
+void requireMediaPath(const QString& path) {
+    if (path.isEmpty())
+        throw Error("No media file specified, try --help for all available options");
 }
 
 } // namespace EditorService

@@ -15,6 +15,13 @@ namespace EditorService {
 QStringList withPathOption(const QStringList& arguments, const QList<QCommandLineOption>& options,
                            const QCommandLineOption& pathOption);
 
+// The option of a request's media file: "--path", described as what the file is to be ("The
+// media file", "The video file").
+QCommandLineOption mediaPathOption(const QString& what);
+// Throws Error "No media file specified, try --help for all available options" for an empty
+// path.
+void requireMediaPath(const QString& path);
+
 // The generic serializer of a request R whose media file stands first on its command line.
 // R declares its path as the field of R::pathOption().
 template <class R> class MediaPathSerializer : public DefaultRequestSerializer<R> {

@@ -1,14 +1,9 @@
 #include "media/ProbeRequest.h"
 
-#include "service/api/Error.h"
-
 namespace EditorService {
 
 QCommandLineOption ProbeRequest::pathOption() {
-    return QCommandLineOption(QStringLiteral("path"),
-                              QStringLiteral("The media file; may stand first without the "
-                                             "option's name."),
-                              QStringLiteral("path"));
+    return mediaPathOption(QStringLiteral("The media file"));
 }
 
 QString ProbeRequest::description() const {
@@ -17,8 +12,7 @@ QString ProbeRequest::description() const {
 }
 
 void ProbeRequest::validateOnLoad() const {
-    if (path.isEmpty())
-        throw Error("No media file specified, try --help for all available options");
+    requireMediaPath(path);
 }
 
 } // namespace EditorService

@@ -5,10 +5,7 @@
 namespace EditorService {
 
 QCommandLineOption ThumbnailRequest::pathOption() {
-    return QCommandLineOption(QStringLiteral("path"),
-                              QStringLiteral("The video file; may stand first without the "
-                                             "option's name."),
-                              QStringLiteral("path"));
+    return mediaPathOption(QStringLiteral("The video file"));
 }
 
 QCommandLineOption ThumbnailRequest::outputOption() {
@@ -31,8 +28,7 @@ QString ThumbnailRequest::description() const {
 }
 
 void ThumbnailRequest::validateOnLoad() const {
-    if (path.isEmpty())
-        throw Error("No media file specified, try --help for all available options");
+    requireMediaPath(path);
     if (output.isEmpty())
         throw Error("No output file specified, try --help for all available options");
     if (at < 0)
