@@ -89,10 +89,11 @@ bool checkOutput(const ExportRequest& request) {
     const QString directory = output.absolutePath();
     const QByteArray native = QFile::encodeName(directory);
     int reason = 0;
-    if (::access(native.constData(), W_OK | X_OK) != 0)
-        reason = errno;
-    else if (!QFileInfo(directory).isDir())
+    const QFileInfo place(directory);
+    if (place.exists() && !place.isDir())
         reason = ENOTDIR;
+    else if (::access(native.constData(), W_OK | X_OK) != 0)
+        reason = errno;
     if (reason) {
         throw Error(text(QStringLiteral("Can not write to %1: %2")
                              .arg(QDir::toNativeSeparators(directory),
