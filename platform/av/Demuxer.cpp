@@ -4,6 +4,13 @@
 #include "platform/av/MediaError.h"
 #include "platform/av/Packet.h"
 
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/pixdesc.h>
@@ -57,12 +64,31 @@ MediaInfo describe(const AVFormatContext& context, const std::string& path) {
     return info;
 }
 
+// A descriptor the pipe protocol reads but does not close.
+struct Descriptor {
+    int fd = -1;
+    Descriptor() = default;
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (fd >= 0)
+            ::close(fd);
+    }
+};
+
+bool isFifo(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
+}
+
 } // namespace
 
 class Demuxer::Private {
 public:
     std::string path;
     Interrupted interrupted;
+    // Declared before the context, so that it is closed after it.
+    Descriptor fifo;
     std::unique_ptr<AVFormatContext, CloseInput> context;
     MediaInfo info;
 
@@ -77,8 +103,20 @@ public:
         if (!opened)
             throw MediaError(failure + ": " + errorText(AVERROR(ENOMEM)));
         opened->interrupt_callback = {&Private::interruptCallback, this};
+        std::string url = path;
+        if (isFifo(path)) {
+            // Without O_NONBLOCK both open and read would wait in the kernel, where no
+            // interrupt callback reaches; the library retries EAGAIN and asks the callback.
+            fifo.fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+            if (fifo.fd < 0) {
+                const int error = errno;
+                avformat_free_context(opened);
+                throw MediaError(failure + ": " + std::strerror(error));
+            }
+            url = "pipe:" + std::to_string(fifo.fd);
+        }
         // avformat_open_input frees the context itself when it fails.
-        check(avformat_open_input(&opened, path.c_str(), nullptr, nullptr), failure);
+        check(avformat_open_input(&opened, url.c_str(), nullptr, nullptr), failure);
         context.reset(opened);
         check(avformat_find_stream_info(context.get(), nullptr), failure);
         info = describe(*context, path);
@@ -109,6 +147,24 @@ AVFormatContext* Demuxer::context() const {
 
 AVStream* Demuxer::stream(int index) const {
     return d->context->streams[index];
+}
+
+Rational Demuxer::timeBase(int index) const {
+    const AVRational value = stream(index)->time_base;
+    return {value.num, value.den};
+}
+
+Rational Demuxer::frameRate(int index) const {
+    AVRational value = stream(index)->avg_frame_rate;
+    if (value.num <= 0 || value.den <= 0)
+        value = stream(index)->r_frame_rate;
+    if (value.num <= 0 || value.den <= 0)
+        return {0, 1};
+    return {value.num, value.den};
+}
+
+std::int64_t Demuxer::startTime() const {
+    return d->context->start_time == AV_NOPTS_VALUE ? 0 : d->context->start_time;
 }
 
 int Demuxer::bestStream(const std::string& type) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/av/MediaInfo.h"
+#include "platform/av/Rational.h"
 
 #include <cstdint>
 #include <functional>
@@ -20,7 +21,8 @@ public:
     // Tells a blocking read to give up: asked again and again while a read waits.
     using Interrupted = std::function<bool()>;
 
-    // Opens the file and parses its stream info. Throws MediaError
+    // Opens the file and parses its stream info. A FIFO is read without blocking, so that
+    // `interrupted` ends a read that waits for data that never comes. Throws MediaError
     // "Can not open media file: <path>: <reason>", the reason in the library's own words.
     explicit Demuxer(const std::string& path, Interrupted interrupted = {});
     Demuxer(const Demuxer&) = delete;
@@ -31,6 +33,12 @@ public:
     const MediaInfo& info() const;
     AVFormatContext* context() const;
     AVStream* stream(int index) const;
+    // The stream's time base: the unit of its packets' and frames' timestamps.
+    Rational timeBase(int index) const;
+    // The stream's average frame rate, else its base rate; 0/1 when the file says neither.
+    Rational frameRate(int index) const;
+    // The file's first timestamp in microseconds; 0 when unknown.
+    std::int64_t startTime() const;
     // The stream the library takes for the best of the type ("video", "audio"); -1 for none.
     int bestStream(const std::string& type) const;
 

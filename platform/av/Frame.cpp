@@ -51,6 +51,15 @@ std::int64_t Frame::timestamp() const {
                                                             : m_frame->pts;
 }
 
+void Frame::setTimestamp(std::int64_t timestamp) {
+    m_frame->pts = timestamp;
+    m_frame->best_effort_timestamp = timestamp;
+}
+
+int Frame::samples() const {
+    return m_frame->nb_samples;
+}
+
 void Frame::reset() {
     av_frame_unref(m_frame.get());
 }

@@ -27,6 +27,11 @@ public:
     int format() const;
     // In the time base of whoever made it; AV_NOPTS_VALUE when unknown.
     std::int64_t timestamp() const;
+    // Sets the timestamp that timestamp() reads and encoders take (pts and the decoder's best
+    // effort alike).
+    void setTimestamp(std::int64_t timestamp);
+    // Audio only: the samples per channel.
+    int samples() const;
     // Drops the buffers, keeping the AVFrame for the next fill.
     void reset();
 

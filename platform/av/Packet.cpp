@@ -22,6 +22,18 @@ int Packet::streamIndex() const {
     return m_packet->stream_index;
 }
 
+std::int64_t Packet::timestamp() const {
+    return m_packet->pts;
+}
+
+std::int64_t Packet::duration() const {
+    return m_packet->duration;
+}
+
+int Packet::size() const {
+    return m_packet->size;
+}
+
 void Packet::reset() {
     av_packet_unref(m_packet.get());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 struct AVPacket;
@@ -18,6 +19,11 @@ public:
     AVPacket* operator->() const { return m_packet.get(); }
 
     int streamIndex() const;
+    // In the time base of whoever made it; AV_NOPTS_VALUE when unknown.
+    std::int64_t timestamp() const;
+    std::int64_t duration() const;
+    // Bytes of compressed data.
+    int size() const;
     // Drops the data, keeping the AVPacket for the next read.
     void reset();
 
