@@ -6,7 +6,11 @@
 
 #include <QDir>
 #include <QTemporaryDir>
+#include <atomic>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 extern "C" {
 #include <libavcodec/packet.h>
@@ -123,4 +127,31 @@ TEST(DemuxerTest, AnInterruptedOpenGivesUp) {
                                     + ": Immediate exit requested")
                                        .c_str());
     }
+}
+
+TEST(DemuxerTest, TellsEachStreamsTimeBaseFrameRateAndTheFilesStart) {
+    Demuxer demuxer(mediaFixture("clip.mov"));
+    const int video = demuxer.bestStream("video");
+    EXPECT_EQ(demuxer.frameRate(video), (Velmor::AV::Rational{30, 1}));
+    EXPECT_GT(demuxer.timeBase(video).den, 0);
+    EXPECT_EQ(demuxer.timeBase(demuxer.bestStream("audio")), (Velmor::AV::Rational{1, 48000}));
+    EXPECT_EQ(demuxer.startTime(), 0);
+}
+
+TEST(DemuxerTest, AReadOfAFifoThatNeverDeliversAsksTheCallbackAndGivesUp) {
+    QTemporaryDir directory;
+    const std::string fifo = directory.filePath("stalled").toStdString();
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    // A writer that never writes: without it the read would end at once.
+    const int writer = ::open(fifo.c_str(), O_RDWR);
+    ASSERT_GE(writer, 0);
+    std::atomic<int> asked{0};
+    try {
+        Demuxer demuxer(fifo, [&] { return ++asked > 20; });
+        FAIL() << "no exception";
+    } catch (const MediaError& error) {
+        EXPECT_EQ(error.what(), "Can not open media file: " + fifo + ": Immediate exit requested");
+    }
+    ::close(writer);
+    EXPECT_GT(asked, 20);
 }

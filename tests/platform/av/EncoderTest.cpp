@@ -1,0 +1,145 @@
+#include "platform/av/Encoder.h"
+
+#include "platform/av/Frame.h"
+#include "platform/av/MediaError.h"
+#include "platform/av/Packet.h"
+#include "platform/av/Picture.h"
+
+#include <gtest/gtest.h>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavutil/samplefmt.h>
+}
+
+using namespace Velmor::AV;
+
+namespace {
+
+VideoEncoderSettings videoSettings(const std::string& encoder) {
+    VideoEncoderSettings settings;
+    settings.encoder = encoder;
+    settings.width = 64;
+    settings.height = 48;
+    settings.pixelFormat = pixelFormat("yuv420p");
+    settings.timeBase = {1, 12800};
+    settings.frameRate = {25, 1};
+    settings.speed = "ultrafast";
+    return settings;
+}
+
+// Encodes `count` grey pictures 1/25 s apart and drains; the packets' timestamps.
+std::vector<std::int64_t> encodePictures(Encoder& encoder, int count) {
+    std::vector<std::int64_t> timestamps;
+    Packet packet;
+    auto take = [&] {
+        while (encoder.receive(packet)) {
+            EXPECT_GT(packet.duration(), 0);
+            timestamps.push_back(packet.timestamp());
+        }
+    };
+    for (int index = 0; index < count; ++index) {
+        Frame picture = Frame::picture(64, 48, pixelFormat("yuv420p"));
+        picture.setTimestamp(index * 512);
+        picture->pict_type = AV_PICTURE_TYPE_I;
+        while (!encoder.send(&picture))
+            take();
+        take();
+    }
+    encoder.send(nullptr);
+    take();
+    EXPECT_TRUE(encoder.drained());
+    return timestamps;
+}
+
+} // namespace
+
+TEST(EncoderTest, EveryPictureComesOutAfterTheDrainInTheStreamsTimeBase) {
+    auto encoder = Encoder::video(videoSettings("libx264"));
+    EXPECT_EQ(encoder->codecName(), "h264");
+    EXPECT_EQ(encoder->timeBase(), (Rational{1, 12800}));
+    std::vector<std::int64_t> timestamps = encodePictures(*encoder, 10);
+    ASSERT_EQ(timestamps.size(), 10u);
+    std::sort(timestamps.begin(), timestamps.end());
+    for (int index = 0; index < 10; ++index)
+        EXPECT_EQ(timestamps[index], index * 512);
+}
+
+TEST(EncoderTest, Libx265EncodesHevc) {
+    auto encoder = Encoder::video(videoSettings("libx265"));
+    EXPECT_EQ(encoder->codecName(), "hevc");
+    EXPECT_EQ(encodePictures(*encoder, 3).size(), 3u);
+}
+
+TEST(EncoderTest, TheBitrateModeSetsAnAverageRate) {
+    VideoEncoderSettings settings = videoSettings("libx264");
+    settings.rateControl = RateControl::Bitrate;
+    settings.bitRate = 300000;
+    auto encoder = Encoder::video(settings);
+    EXPECT_EQ(encoder->context()->bit_rate, 300000);
+    EXPECT_EQ(encoder->context()->rc_max_rate, 0);
+}
+
+TEST(EncoderTest, TheAutoModeCapsAConstantRateFactorAtTheRate) {
+    VideoEncoderSettings settings = videoSettings("libx264");
+    settings.rateControl = RateControl::Auto;
+    settings.bitRate = 300000;
+    auto encoder = Encoder::video(settings);
+    EXPECT_EQ(encoder->context()->bit_rate, 0);
+    EXPECT_EQ(encoder->context()->rc_max_rate, 300000);
+    EXPECT_EQ(encoder->context()->rc_buffer_size, 600000);
+}
+
+TEST(EncoderTest, TheQualityModeHasNoRateAtAll) {
+    VideoEncoderSettings settings = videoSettings("libx264");
+    settings.rateControl = RateControl::Quality;
+    settings.bitRate = 300000;
+    auto encoder = Encoder::video(settings);
+    EXPECT_EQ(encoder->context()->bit_rate, 0);
+    EXPECT_EQ(encoder->context()->rc_max_rate, 0);
+}
+
+TEST(EncoderTest, TheGlobalHeaderPutsTheCodecsHeadersOutOfBand) {
+    VideoEncoderSettings settings = videoSettings("libx264");
+    settings.globalHeader = true;
+    auto encoder = Encoder::video(settings);
+    EXPECT_TRUE(encoder->context()->flags & AV_CODEC_FLAG_GLOBAL_HEADER);
+    EXPECT_GT(encoder->context()->extradata_size, 0);
+}
+
+TEST(EncoderTest, AacTakesFramesOf1024SamplesAtItsRate) {
+    AudioEncoderSettings settings{"aac", 44100, 2, 128000, false};
+    auto encoder = Encoder::audio(settings);
+    EXPECT_EQ(encoder->codecName(), "aac");
+    EXPECT_EQ(encoder->frameSize(), 1024);
+    EXPECT_EQ(encoder->sampleFormat(), AV_SAMPLE_FMT_FLTP);
+    EXPECT_EQ(encoder->sampleRate(), 44100);
+    EXPECT_EQ(encoder->channels(), 2);
+    EXPECT_EQ(encoder->timeBase(), (Rational{1, 44100}));
+    EXPECT_EQ(encoder->context()->bit_rate, 128000);
+}
+
+TEST(EncoderTest, AnAudioRateTheEncoderLacksBecomesTheNearestItHas) {
+    auto encoder = Encoder::audio({"aac", 44000, 1, 64000, false});
+    EXPECT_EQ(encoder->sampleRate(), 44100);
+}
+
+TEST(EncoderTest, AnUnknownEncoderFailsNamingIt) {
+    try {
+        Encoder::video(videoSettings("libnothing"));
+        FAIL() << "no exception";
+    } catch (const MediaError& error) {
+        EXPECT_STREQ(error.what(), "Can not encode with libnothing: Encoder not found");
+    }
+}
+
+TEST(EncoderTest, AnImpossibleSizeFailsWithTheLibrarysReason) {
+    VideoEncoderSettings settings = videoSettings("libx264");
+    settings.width = 0;
+    try {
+        Encoder::video(settings);
+        FAIL() << "no exception";
+    } catch (const MediaError& error) {
+        EXPECT_STREQ(error.what(), "Can not encode with libx264: Invalid argument");
+    }
+}
