@@ -18,6 +18,7 @@ public:
     std::vector<std::thread> threads;
     int waitingThreads = 0;
     int running = 0;
+    bool busy = false;
     bool stopping = false;
 
     void run() {
@@ -30,14 +31,20 @@ public:
                 return;
             auto job = std::move(jobs.front());
             jobs.pop_front();
-            if (running++ == 0)
+            ++running;
+            // A job queued as the last one ended starts a run that never rested.
+            if (!busy) {
+                busy = true;
                 onBusy();
+            }
             lock.unlock();
             runOne(job);
             job = nullptr;
             lock.lock();
-            if (--running == 0 && jobs.empty() && !stopping)
+            if (--running == 0 && jobs.empty() && !stopping) {
+                busy = false;
                 onIdle();
+            }
         }
     }
 

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <future>
 #include <gtest/gtest.h>
 #include <mutex>
@@ -129,4 +130,36 @@ TEST(JobPoolTest, TheDestructorWaitsForTheRunningJob) {
         ASSERT_EQ(started.get_future().wait_for(generously), std::future_status::ready);
     }
     EXPECT_TRUE(ended);
+}
+
+TEST(JobPoolTest, BusyAndIdleAlternateHoweverJobsComeAndGo) {
+    Journal journal;
+    std::mutex mutex;
+    std::condition_variable changed;
+    int ended = 0;
+    JobPool jobs([&] { journal.add("busy"); }, [&] { journal.add("idle"); });
+    constexpr int count = 300;
+    for (int i = 0; i < count; ++i) {
+        jobs.submit([&] {
+            std::lock_guard<std::mutex> lock(mutex);
+            ++ended;
+            changed.notify_all();
+        });
+    }
+    {
+        std::unique_lock<std::mutex> lock(mutex);
+        ASSERT_TRUE(changed.wait_for(lock, generously, [&] { return ended == count; }));
+    }
+    // The last idle may still be on its way.
+    for (int attempt = 0; attempt < 6000; ++attempt) {
+        const auto events = journal.snapshot();
+        if (!events.empty() && events.back() == "idle")
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    const auto events = journal.snapshot();
+    ASSERT_FALSE(events.empty());
+    for (std::size_t i = 0; i < events.size(); ++i)
+        EXPECT_EQ(events[i], i % 2 == 0 ? "busy" : "idle") << "event " << i;
+    EXPECT_EQ(events.back(), "idle");
 }
