@@ -5,6 +5,7 @@
 #include "host/JsonLinesWriter.h"
 #include "host/ProgressLine.h"
 #include "host/SignalWatcher.h"
+#include "media/ExportService.h"
 #include "platform/foundation/Temporaries.h"
 #include "service/api/AbstractService.h"
 #include "service/api/Error.h"
@@ -210,6 +211,8 @@ void ConsoleHost::Private::finish(int exitStatus, std::exception_ptr error) {
         ending = true;
     }
     running.unsubscribe();
+    if (error)
+        ExportService::cancelAll();
     {
         std::lock_guard<std::mutex> lock(endingLock);
         ending = false;
@@ -233,6 +236,7 @@ void ConsoleHost::Private::stop(int exitStatus) {
         return;
     stopping = true;
     running.unsubscribe();
+    ExportService::cancelAll();
     status = exitStatus;
     QCoreApplication::exit(status);
 }

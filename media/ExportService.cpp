@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
@@ -72,6 +73,26 @@ struct ExportState {
         running.reset();
     }
 };
+
+// The exports that have not ended, for cancelAll.
+std::mutex& liveLock() {
+    static std::mutex mutex;
+    return mutex;
+}
+
+std::vector<std::weak_ptr<ExportState>>& live() {
+    static auto* states = new std::vector<std::weak_ptr<ExportState>>;
+    return *states;
+}
+
+void addLive(const std::shared_ptr<ExportState>& state) {
+    std::lock_guard<std::mutex> lock(liveLock());
+    auto& states = live();
+    states.erase(std::remove_if(states.begin(), states.end(),
+                                [](const auto& entry) { return entry.expired(); }),
+                 states.end());
+    states.push_back(state);
+}
 
 std::string text(const QString& string) {
     return string.toStdString();
@@ -250,6 +271,7 @@ rxcpp::observable<Json> exportOne(const ExportRequest& request, const ExportRunF
                        if (!files)
                            throw std::logic_error("The media context has no file controller");
                        auto state = std::make_shared<ExportState>(request, exports, subscriber);
+                       addLive(state);
                        subscriber.add([state] { state->cancel(); });
                        files->parse(request.path, [state](const Velmor::AV::MediaInfo& info,
                                                           std::exception_ptr error) {
@@ -279,6 +301,19 @@ ExportService::ExportService()
 
 ExportService::ExportService(ExportRunFactory exports)
     : m_exports(std::move(exports)) {}
+
+void ExportService::cancelAll() {
+    std::vector<std::shared_ptr<ExportState>> states;
+    {
+        std::lock_guard<std::mutex> lock(liveLock());
+        for (const auto& entry : live()) {
+            if (auto state = entry.lock())
+                states.push_back(std::move(state));
+        }
+    }
+    for (const auto& state : states)
+        state->cancel();
+}
 
 QString ExportService::serviceId() {
     return QStringLiteral("export");

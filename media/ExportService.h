@@ -32,6 +32,11 @@ public:
     // "export".
     static QString serviceId();
 
+    // Cancels every export of the process that has not ended, as unsubscribing would: a host
+    // that stops calls it, since a command that runs under a script's job limit is not
+    // unsubscribed when the script's stream is.
+    static void cancelAll();
+
     using DefaultServiceImpl<ExportRequest>::run;
     rxcpp::observable<nlohmann::json>
     run(const rxcpp::observable<ExportRequest>& requests) override;
