@@ -3,7 +3,10 @@
 #include "host/ExitStatus.h"
 #include "host/HostServices.h"
 #include "host/JsonLinesWriter.h"
+#include "host/ProgressLine.h"
 #include "host/SignalWatcher.h"
+#include "media/ExportService.h"
+#include "platform/foundation/Temporaries.h"
 #include "service/api/AbstractService.h"
 #include "service/api/Error.h"
 #include "service/api/HelpException.h"
@@ -60,6 +63,7 @@ public:
         }))
         , loader(loaders.front())
         , output(std::make_shared<JsonLinesWriter>(stdout, [this] { whenOutputClosed(); }))
+        , progressLine(std::make_shared<ProgressLine>(stderr))
         , signalWatcher([this](int signal) {
             stop(signal == SIGINT ? ExitStatus::Interrupted : ExitStatus::Terminated);
         }) {}
@@ -84,6 +88,7 @@ private:
     // Shared with the stream: a command that runs under a job limit is not stopped with the
     // stream and may still be delivering a value while the host shuts down.
     std::shared_ptr<JsonLinesWriter> output;
+    std::shared_ptr<ProgressLine> progressLine;
     SignalWatcher signalWatcher;
     rxcpp::composite_subscription running;
     // Set while a thread that ended the stream tears it down; the main thread waits for it.
@@ -163,7 +168,11 @@ int ConsoleHost::Private::runService(std::shared_ptr<AbstractService> service,
     const auto values = service->run(arguments);
     service.reset();
     values.subscribe(
-        running, [output = output](const nlohmann::json& value) { output->write(value); },
+        running,
+        [output = output, progressLine = progressLine](const nlohmann::json& value) {
+            output->write(value);
+            progressLine->show(value);
+        },
         [this](std::exception_ptr error) { finish(ExitStatus::Failure, error); },
         [this] { finish(ExitStatus::Success); });
     QCoreApplication::exec();
@@ -174,6 +183,9 @@ int ConsoleHost::Private::runService(std::shared_ptr<AbstractService> service,
     }
     output->close();
     provider.waitForWorkers();
+    // The workers remove their temporary files as they end; whatever is left goes now.
+    Velmor::Temporaries::removeAll();
+    progressLine->clear();
     if (!failure)
         return status;
     try {
@@ -199,6 +211,8 @@ void ConsoleHost::Private::finish(int exitStatus, std::exception_ptr error) {
         ending = true;
     }
     running.unsubscribe();
+    if (error)
+        ExportService::cancelAll();
     {
         std::lock_guard<std::mutex> lock(endingLock);
         ending = false;
@@ -222,6 +236,7 @@ void ConsoleHost::Private::stop(int exitStatus) {
         return;
     stopping = true;
     running.unsubscribe();
+    ExportService::cancelAll();
     status = exitStatus;
     QCoreApplication::exit(status);
 }
@@ -233,6 +248,7 @@ void ConsoleHost::Private::whenOutputClosed() {
 
 // Runs on the timer's thread and ends the process there, whatever the main thread is doing.
 void ConsoleHost::Private::reportTimeout(int seconds, const QString& commandLine) {
+    Velmor::Temporaries::removeAll();
     std::fflush(stdout);
     std::fprintf(stderr, "Command timed out after %d s: %s\n", seconds,
                  commandLine.toLocal8Bit().constData());

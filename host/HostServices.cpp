@@ -8,6 +8,7 @@
 #include "host/services/RuntimeService.h"
 #include "host/services/ShardService.h"
 #include "host/services/TickService.h"
+#include "media/ExportService.h"
 #include "media/ProbeService.h"
 #include "media/ThumbnailService.h"
 #include "service/api/Error.h"
@@ -46,6 +47,8 @@ void registerHostServices(ServiceLoader& loader, const TimeLimitedService::Expir
                           std::weak_ptr<const ServiceLoader> commands) {
     add<EchoService>(loader, expiry,
                      QStringLiteral("Emit the arguments it was given as one value"));
+    add<ExportService>(loader, expiry,
+                       QStringLiteral("Export a video file with a preset to --output"));
     add<FailService>(loader, expiry,
                      QStringLiteral("Fail with --message after --after milliseconds"));
     add<NoopService>(loader, expiry, QStringLiteral("Emit one value and complete, for measuring"));

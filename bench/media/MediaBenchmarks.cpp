@@ -127,4 +127,117 @@ BENCHMARK(ThumbnailsAgainstFfmpeg)
     ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
 
+// A 1080p clip of 10 s, made once, for the export figures.
+class LargeClip {
+public:
+    LargeClip() {
+        path = directory.filePath("clip1080.mp4").toStdString();
+        timeRun({{"ffmpeg",    "-nostdin", "-v",      "error",
+                  "-f",        "lavfi",    "-i",      "testsrc2=size=1920x1080:rate=25:duration=10",
+                  "-f",        "lavfi",    "-i",      "sine=sample_rate=48000:duration=10",
+                  "-c:v",      "libx264",  "-preset", "veryfast",
+                  "-pix_fmt",  "yuv420p",  "-c:a",    "aac",
+                  "-shortest", path}});
+    }
+    QString file(const QString& name) const { return directory.filePath(name); }
+
+    QTemporaryDir directory;
+    std::string path;
+};
+
+const LargeClip& largeClip() {
+    static const LargeClip made;
+    return made;
+}
+
+// What the export of a preset asks of libx264 and AAC: a constant rate factor of 23 at the
+// encoder's default speed and threads, the preset's frame size and audio rate, MP4 with its
+// index at the front.
+Program ffmpegExport(const std::string& input, const std::string& output, int width, int height,
+                     int audioBps) {
+    return {{"ffmpeg",
+             "-nostdin",
+             "-v",
+             "error",
+             "-y",
+             "-i",
+             input,
+             "-vf",
+             "scale=" + std::to_string(width) + ":" + std::to_string(height),
+             "-c:v",
+             "libx264",
+             "-crf",
+             "23",
+             "-pix_fmt",
+             "yuv420p",
+             "-c:a",
+             "aac",
+             "-b:a",
+             std::to_string(audioBps),
+             "-movflags",
+             "+faststart",
+             output}};
+}
+
+// One export of the 1080p clip with the 1080p preset against ffmpeg with the same settings:
+// time and peak memory.
+void ExportAgainstFfmpeg(benchmark::State& state) {
+    const auto& input = largeClip();
+    const Program host{{REELSMITH_HOST, "export", input.path,
+                        "--output=" + input.file("ours.mp4").toStdString(), "--preset=1080p",
+                        "--overwrite"}};
+    const Program ffmpeg =
+        ffmpegExport(input.path, input.file("theirs.mp4").toStdString(), 1920, 1080, 256000);
+    for (auto _ : state) {
+        try {
+            const auto ours = Bench::measureRun(host);
+            const auto theirs = Bench::measureRun(ffmpeg);
+            state.counters["host_seconds"] = ours.time.count();
+            state.counters["ffmpeg_seconds"] = theirs.time.count();
+            state.counters["host_peak_kib"] = double(ours.peakKib);
+            state.counters["ffmpeg_peak_kib"] = double(theirs.peakKib);
+        } catch (const std::exception& error) {
+            state.SkipWithError(error.what());
+            return;
+        }
+    }
+}
+BENCHMARK(ExportAgainstFfmpeg)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+// Eight 720p exports of the 1080p clip in one script with --render-jobs=2 against
+// `xargs -P2` running eight ffmpeg processes with the same settings.
+void EightExportsAgainstXargsFfmpeg(benchmark::State& state) {
+    const auto& input = largeClip();
+    QStringList lines;
+    QString commands;
+    for (int i = 0; i < 8; ++i) {
+        lines << QStringLiteral("export; %1; --output=%2; --preset=720p; --overwrite")
+                     .arg(QString::fromStdString(input.path),
+                          input.file(QStringLiteral("ours-%1.mp4").arg(i)));
+        const Program rival = ffmpegExport(
+            input.path, input.file(QStringLiteral("theirs-%1.mp4").arg(i)).toStdString(), 1280, 720,
+            192000);
+        QStringList words;
+        // xargs gives each line's words to one ffmpeg.
+        for (std::size_t word = 1; word < rival.arguments.size(); ++word)
+            words << QString::fromStdString(rival.arguments[word]);
+        commands += words.join(' ') + '\n';
+    }
+    const Bench::TextFile script(lines);
+    const Bench::TextFile jobs(commands.split('\n', Qt::SkipEmptyParts));
+    const Program host{
+        {REELSMITH_HOST, "--render-jobs=2", "script", script.path().toStdString(), "--jobs=0"}};
+    const Program xargs{{"xargs", "-P2", "-L1", "-a", jobs.path().toStdString(), "ffmpeg"}};
+    for (auto _ : state) {
+        try {
+            state.counters["host_seconds"] = timeRun(host).count();
+            state.counters["xargs_seconds"] = timeRun(xargs).count();
+        } catch (const std::exception& error) {
+            state.SkipWithError(error.what());
+            return;
+        }
+    }
+}
+BENCHMARK(EightExportsAgainstXargsFfmpeg)->Iterations(1)->Unit(benchmark::kMillisecond);
+
 } // namespace

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <stdexcept>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,6 +14,10 @@ extern char** environ;
 namespace Bench {
 
 Seconds timeRun(const Program& program) {
+    return measureRun(program).time;
+}
+
+Measured measureRun(const Program& program) {
     std::vector<char*> argv;
     for (const auto& argument : program.arguments)
         argv.push_back(const_cast<char*>(argument.c_str()));
@@ -29,11 +34,12 @@ Seconds timeRun(const Program& program) {
     if (spawned != 0)
         throw std::runtime_error("cannot start " + program.arguments.front());
     int status = 0;
-    waitpid(child, &status, 0);
+    rusage usage{};
+    wait4(child, &status, 0, &usage);
     const auto end = std::chrono::steady_clock::now();
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
         throw std::runtime_error(program.arguments.front() + " failed");
-    return end - begin;
+    return {end - begin, usage.ru_maxrss};
 }
 
 double median(std::vector<double> values) {

@@ -1,5 +1,6 @@
 #include "platform/editorlogic/TaskController.h"
 
+#include "platform/editorlogic/JobPool.h"
 #include "platform/editorlogic/JobThread.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
@@ -15,7 +16,8 @@ std::atomic<Controller*> s_instance{nullptr};
 
 Controller::Controller() {
     Velmor::Testing::Probe::hit("Task::Controller::Controller");
-    m_jobs = std::make_unique<JobThread>([this] { emit isBusy(); }, [this] { emit isIdle(); });
+    m_jobs = std::make_unique<JobThread>([this] { enter(); }, [this] { leave(); });
+    m_concurrentJobs = std::make_unique<JobPool>([this] { enter(); }, [this] { leave(); });
     Velmor::Testing::CallLog::record("Task::Controller::Controller");
     s_instance.store(this);
 }
@@ -23,6 +25,7 @@ Controller::Controller() {
 Controller::~Controller() {
     Controller* self = this;
     s_instance.compare_exchange_strong(self, nullptr);
+    m_concurrentJobs.reset();
     m_jobs.reset();
     Velmor::Testing::CallLog::record("Task::Controller::~Controller");
 }
@@ -33,6 +36,24 @@ Controller* Controller::instance() {
 
 void Controller::submit(std::function<void()> task) {
     m_jobs->submit(std::move(task));
+}
+
+void Controller::submitConcurrent(std::function<void()> task) {
+    m_concurrentJobs->submit(std::move(task));
+}
+
+// The serial thread and the pool turn busy and idle each by itself; the controller is busy
+// while either is. The signals go out under the lock, so that they alternate.
+void Controller::enter() {
+    std::lock_guard<std::mutex> lock(m_activity);
+    if (m_activeRunners++ == 0)
+        emit isBusy();
+}
+
+void Controller::leave() {
+    std::lock_guard<std::mutex> lock(m_activity);
+    if (--m_activeRunners == 0)
+        emit isIdle();
 }
 
 } // namespace Task

@@ -60,7 +60,7 @@ TEST_F(ConsoleHostTest, NoServiceExitsWithUsageStatus) {
 TEST_F(ConsoleHostTest, UnknownServiceExitsWithUsageStatusNamingTheKnownOnes) {
     const HostRun run = runHost({"nosuch", "x"});
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_TRUE(run.errors.startsWith("Unknown service \"nosuch\", known services: echo, fail, "))
+    EXPECT_TRUE(run.errors.startsWith("Unknown service \"nosuch\", known services: echo, export, fail, "))
         << run.errors.toStdString();
     EXPECT_EQ(run.output, "");
 }

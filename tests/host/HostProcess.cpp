@@ -15,7 +15,15 @@ HostRun runHost(const QStringList& arguments, const QString& workingDirectory) {
         process.setWorkingDirectory(workingDirectory);
     startHost(process, arguments);
     process.closeWriteChannel();
-    process.waitForFinished(120000);
+    // A host that hangs is killed and reads as no status at all, never as success.
+    if (!process.waitForFinished(120000)) {
+        process.kill();
+        process.waitForFinished();
+        HostRun hung;
+        hung.output = process.readAllStandardOutput();
+        hung.errors = process.readAllStandardError();
+        return hung;
+    }
     HostRun run;
     run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     run.output = process.readAllStandardOutput();

@@ -88,3 +88,78 @@ TEST_F(TaskControllerTest, AnInjectedFailureLeavesTheConstructor) {
     EXPECT_TRUE(CallLog::entries().empty());
     EXPECT_EQ(Task::Controller::instance(), nullptr);
 }
+
+TEST_F(TaskControllerTest, ConcurrentTasksRunSideBySideWithTheSerialOneUnderOneBusyAndIdle) {
+    std::mutex mutex;
+    std::vector<std::string> events;
+    auto note = [&](const std::string& event) {
+        std::lock_guard<std::mutex> lock(mutex);
+        events.push_back(event);
+    };
+    std::promise<void> idle;
+    std::promise<void> release;
+    auto released = release.get_future().share();
+    std::promise<void> allStarted;
+    int started = 0;
+    auto start = [&] {
+        std::lock_guard<std::mutex> lock(mutex);
+        if (++started == 3)
+            allStarted.set_value();
+    };
+    Task::Controller controller;
+    QObject::connect(
+        &controller, &Task::Controller::isBusy, &controller, [&] { note("isBusy"); },
+        Qt::DirectConnection);
+    QObject::connect(
+        &controller, &Task::Controller::isIdle, &controller,
+        [&] {
+            note("isIdle");
+            idle.set_value();
+        },
+        Qt::DirectConnection);
+    // Three tasks that wait for each other: they end only when all three run at once.
+    controller.submit([&, released] {
+        start();
+        released.wait();
+    });
+    controller.submitConcurrent([&, released] {
+        start();
+        released.wait();
+    });
+    controller.submitConcurrent([&, released] {
+        start();
+        released.wait();
+    });
+    ASSERT_EQ(allStarted.get_future().wait_for(generously), std::future_status::ready);
+    release.set_value();
+    ASSERT_EQ(idle.get_future().wait_for(generously), std::future_status::ready);
+    std::lock_guard<std::mutex> lock(mutex);
+    const std::vector<std::string> expected{"isBusy", "isIdle"};
+    EXPECT_EQ(events, expected);
+}
+
+TEST_F(TaskControllerTest, AConcurrentTaskAloneSignalsBusyAndIdleAroundIt) {
+    std::mutex mutex;
+    std::vector<std::string> events;
+    auto note = [&](const std::string& event) {
+        std::lock_guard<std::mutex> lock(mutex);
+        events.push_back(event);
+    };
+    std::promise<void> idle;
+    Task::Controller controller;
+    QObject::connect(
+        &controller, &Task::Controller::isBusy, &controller, [&] { note("isBusy"); },
+        Qt::DirectConnection);
+    QObject::connect(
+        &controller, &Task::Controller::isIdle, &controller,
+        [&] {
+            note("isIdle");
+            idle.set_value();
+        },
+        Qt::DirectConnection);
+    controller.submitConcurrent([&] { note("task"); });
+    ASSERT_EQ(idle.get_future().wait_for(generously), std::future_status::ready);
+    std::lock_guard<std::mutex> lock(mutex);
+    const std::vector<std::string> expected{"isBusy", "task", "isIdle"};
+    EXPECT_EQ(events, expected);
+}

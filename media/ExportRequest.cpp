@@ -1,0 +1,54 @@
+#include "media/ExportRequest.h"
+
+#include "service/api/Error.h"
+
+namespace EditorService {
+
+QCommandLineOption ExportRequest::pathOption() {
+    return mediaPathOption(QStringLiteral("The video file to export"));
+}
+
+QCommandLineOption ExportRequest::outputOption() {
+    return QCommandLineOption(QStringLiteral("output"),
+                              QStringLiteral("The file to write. It appears only once complete."),
+                              QStringLiteral("file"));
+}
+
+QCommandLineOption ExportRequest::rangeOption() {
+    return QCommandLineOption(QStringLiteral("range"),
+                              QStringLiteral("Export only from <start> up to <end>, in "
+                                             "milliseconds from the start of the input."),
+                              QStringLiteral("start:end"));
+}
+
+QCommandLineOption ExportRequest::overwriteOption() {
+    return QCommandLineOption(QStringLiteral("overwrite"),
+                              QStringLiteral("Replace the output file when it exists."));
+}
+
+QCommandLineOption ExportRequest::skipExistingOption() {
+    return QCommandLineOption(QStringLiteral("skip-existing"),
+                              QStringLiteral("Do nothing when the output file exists, so that a "
+                                             "batch run again resumes."));
+}
+
+QString ExportRequest::description() const {
+    return QStringLiteral("Export a video file with a preset: progress values while it runs, "
+                          "then one value {\"export\": {..., \"done\": true}}.");
+}
+
+void ExportRequest::validateOnLoad() const {
+    requireMediaPath(path);
+    if (output.isEmpty())
+        throw Error("No output file specified, try --help for all available options");
+    if (range.isValid() && range.end() <= range.start()) {
+        throw Error(QStringLiteral("--range must end after it starts, is %1:%2")
+                        .arg(range.start())
+                        .arg(range.end())
+                        .toStdString());
+    }
+    if (overwrite && skipExisting)
+        throw Error("--overwrite and --skip-existing can not be given together");
+}
+
+} // namespace EditorService

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "media/ExportRequest.h"
+#include "media/ExportRun.h"
+#include "service/requests/DefaultServiceImpl.h"
+
+namespace EditorService {
+
+// Exports a video file with a preset. The output is checked first: an existing one ends the
+// stream with Error "Output file exists: <path>" unless --overwrite, or with --skip-existing
+// gives the one value {"export": {"output", "skipped": true}}; a missing or unwritable
+// directory ends it with Error "Can not write to <directory>: <reason>". The input is then
+// probed by the media layer's file controller, and its frame size is the video that the preset
+// context's provider is made for, whose failures pass unchanged.
+//
+// The export waits for a place of the render-job resource, holds it while it encodes as a
+// concurrent task of the task controller, and gives it back when it ends. While it runs it
+// emits {"export": {"output", "progress", "frames", "fps"}} at most every 100 ms and at least
+// every 500 ms; at its end one value {"export": {"input", "output", "done": true, "frames",
+// "duration_ms", "bytes", "video": {...}, "audio": {...} or null, "started_ms",
+// "finished_ms"}}, the times those of taking and giving back the place, in milliseconds since
+// the Unix epoch. Its failures, the pipeline's and the plug-ins' included, end the stream
+// unchanged. The temporary file the export writes is listed with Velmor::Temporaries while it
+// exists; it is removed whatever ends the export other than success. Unsubscribing cancels a
+// running export, which ends within one frame's work, removes its temporary and frees its place.
+class ExportService : public DefaultServiceImpl<ExportRequest> {
+public:
+    // Runs the pipeline's exporter.
+    ExportService();
+    explicit ExportService(ExportRunFactory exports);
+
+    // "export".
+    static QString serviceId();
+
+    // Cancels every export of the process that has not ended, as unsubscribing would: a host
+    // that stops calls it, since a command that runs under a script's job limit is not
+    // unsubscribed when the script's stream is.
+    static void cancelAll();
+
+    using DefaultServiceImpl<ExportRequest>::run;
+    rxcpp::observable<nlohmann::json>
+    run(const rxcpp::observable<ExportRequest>& requests) override;
+
+private:
+    ExportRunFactory m_exports;
+};
+
+} // namespace EditorService

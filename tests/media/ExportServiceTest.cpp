@@ -1,0 +1,480 @@
+#include "media/ExportService.h"
+
+#include "platform/engine/PluginError.h"
+#include "platform/foundation/Temporaries.h"
+#include "platform/package/PackageDirectory.h"
+#include "service/api/Error.h"
+#include "service/contexts/GlobalContextProvider.h"
+#include "tests/host/services/Collect.h"
+#include "tests/support/MediaFixtures.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <atomic>
+#include <condition_variable>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <optional>
+#include <thread>
+
+using EditorService::Error;
+using EditorService::ExportRequest;
+using EditorService::ExportRun;
+using EditorService::ExportService;
+using EditorService::GlobalContextProvider;
+using EditorService::Testing::collect;
+using EditorService::Testing::Collected;
+using EditorService::Testing::collectToEnd;
+using EditorService::Testing::errorText;
+using EditorService::Testing::mediaFixture;
+using EditorService::Testing::spinUntil;
+using namespace std::chrono_literals;
+
+namespace {
+
+// What the stand-in exports do, and what they saw; shared by every export a factory makes.
+struct Pipeline {
+    int frames = 5;
+    std::chrono::milliseconds perFrame{5};
+    // Throws this at the frame of that number, when set.
+    std::optional<int> failAt;
+    std::function<std::exception_ptr()> failure = [] {
+        return std::make_exception_ptr(std::runtime_error("No space left on device"));
+    };
+    // Each export waits before its first frame until this many run at once (or a minute).
+    int waitForRunning = 1;
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    int running = 0;
+    int mostRunning = 0;
+    int made = 0;
+    int ended = 0;
+    bool temporaryListed = false;
+    std::vector<Export::ExportSettings> settings;
+
+    int count(const int Pipeline::*field) {
+        std::lock_guard<std::mutex> lock(mutex);
+        return this->*field;
+    }
+};
+
+// Writes its temporary a frame at a time and renames it as the pipeline's exporter does.
+class StandInExport : public ExportRun {
+public:
+    StandInExport(std::shared_ptr<Pipeline> pipeline, Export::ExportSettings settings)
+        : m_pipeline(std::move(pipeline))
+        , m_settings(std::move(settings))
+        , m_temporary(m_settings.output + ".reelsmith-partial-test") {}
+
+    const std::string& temporaryPath() const override { return m_temporary; }
+
+    Export::ExportResult run(const Export::Exporter::Progress& progress) override {
+        auto& pipeline = *m_pipeline;
+        {
+            std::unique_lock<std::mutex> lock(pipeline.mutex);
+            ++pipeline.running;
+            pipeline.mostRunning = std::max(pipeline.mostRunning, pipeline.running);
+            const auto listed = Velmor::Temporaries::paths();
+            pipeline.temporaryListed =
+                std::find(listed.begin(), listed.end(), m_temporary) != listed.end();
+            pipeline.changed.notify_all();
+            pipeline.changed.wait_for(lock, 60s, [&] {
+                return pipeline.running >= pipeline.waitForRunning || m_cancelled;
+            });
+        }
+        std::exception_ptr failure;
+        Export::ExportResult result;
+        try {
+            result = frames(progress);
+        } catch (...) {
+            failure = std::current_exception();
+            QFile::remove(QString::fromStdString(m_temporary));
+        }
+        {
+            std::lock_guard<std::mutex> lock(pipeline.mutex);
+            --pipeline.running;
+            ++pipeline.ended;
+        }
+        if (failure)
+            std::rethrow_exception(failure);
+        return result;
+    }
+
+    void cancel() override {
+        std::lock_guard<std::mutex> lock(m_pipeline->mutex);
+        m_cancelled = true;
+        m_pipeline->changed.notify_all();
+    }
+
+private:
+    Export::ExportResult frames(const Export::Exporter::Progress& progress) {
+        auto& pipeline = *m_pipeline;
+        QFile file(QString::fromStdString(m_temporary));
+        if (!file.open(QIODevice::WriteOnly))
+            throw std::runtime_error("Can not open " + m_temporary);
+        for (int frame = 1; frame <= pipeline.frames; ++frame) {
+            if (m_cancelled)
+                throw Export::ExportCancelled("Export cancelled: " + m_settings.output);
+            if (pipeline.failAt && *pipeline.failAt == frame)
+                std::rethrow_exception(pipeline.failure());
+            std::this_thread::sleep_for(pipeline.perFrame);
+            file.write(QByteArray(100, 'x'));
+            progress({double(frame) / pipeline.frames, frame, 25.0});
+        }
+        file.close();
+        // As the pipeline does: rename(2) replaces what stands at the output.
+        if (std::rename(m_temporary.c_str(), m_settings.output.c_str()) != 0)
+            throw std::runtime_error("Can not rename " + m_temporary);
+        Export::ExportResult result;
+        result.frames = pipeline.frames;
+        result.durationMs = pipeline.frames * 40;
+        result.bytes = pipeline.frames * 100;
+        result.video = {"h264", m_settings.preset.width(), m_settings.preset.height(), 1000};
+        result.audio = Export::ExportResult::Audio{"aac", 44100, 2, 128000};
+        return result;
+    }
+
+    std::shared_ptr<Pipeline> m_pipeline;
+    Export::ExportSettings m_settings;
+    std::string m_temporary;
+    std::atomic<bool> m_cancelled{false};
+};
+
+EditorService::ExportRunFactory standIn(const std::shared_ptr<Pipeline>& pipeline) {
+    return [pipeline](const Export::ExportSettings& settings) -> std::unique_ptr<ExportRun> {
+        {
+            std::lock_guard<std::mutex> lock(pipeline->mutex);
+            ++pipeline->made;
+            pipeline->settings.push_back(settings);
+        }
+        return std::make_unique<StandInExport>(pipeline, settings);
+    };
+}
+
+template <class E> void expectFailure(const std::exception_ptr& error, const std::string& text) {
+    ASSERT_TRUE(error);
+    try {
+        std::rethrow_exception(error);
+    } catch (const E& failure) {
+        EXPECT_EQ(std::string(failure.what()), text);
+    } catch (const std::exception& other) {
+        ADD_FAILURE() << "another failure: " << other.what();
+    }
+}
+
+} // namespace
+
+class ExportServiceTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(packages.isValid());
+        ASSERT_TRUE(outputs.isValid());
+        Package::setPackageDirectory(packages.path());
+    }
+    void TearDown() override {
+        provider.reset();
+        Package::setPackageDirectory(QString());
+    }
+
+    void startRuntime(int renderJobs = 1) {
+        provider.emplace(QStringList{"app", QStringLiteral("--render-jobs=%1").arg(renderJobs)});
+    }
+
+    QString output(const QString& name) const { return outputs.filePath(name); }
+
+    QStringList exportOf(const std::string& fixture, const QString& name,
+                         const QStringList& more = {}) const {
+        return QStringList{"app", QString::fromStdString(mediaFixture(fixture)),
+                           "--output=" + output(name)}
+               + more;
+    }
+
+    std::shared_ptr<Collected> run(const QStringList& arguments) {
+        ExportService service(standIn(pipeline));
+        return collectToEnd(service.run(arguments));
+    }
+
+    // Lists nothing at the outputs' directory but the given names.
+    QStringList files() const { return QDir(outputs.path()).entryList(QDir::Files, QDir::Name); }
+
+    QTemporaryDir packages;
+    QTemporaryDir outputs;
+    std::optional<GlobalContextProvider> provider;
+    std::shared_ptr<Pipeline> pipeline = std::make_shared<Pipeline>();
+};
+
+TEST_F(ExportServiceTest, ServiceIdIsExport) {
+    EXPECT_EQ(ExportService::serviceId(), "export");
+}
+
+TEST_F(ExportServiceTest, TheDefaultPresetTakesTheInputsFrameSizeAndTheRangeIsPassedOn) {
+    startRuntime();
+    const auto collected = run(exportOf("h264_aac.mp4", "out.mp4", {"--range=500:1500"}));
+    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_EQ(pipeline->settings.size(), 1u);
+    const auto& settings = pipeline->settings[0];
+    EXPECT_EQ(settings.input, mediaFixture("h264_aac.mp4"));
+    EXPECT_EQ(settings.output, output("out.mp4").toStdString());
+    EXPECT_EQ(settings.preset.id(), "mp4");
+    EXPECT_EQ(settings.preset.width(), 320);
+    EXPECT_EQ(settings.preset.height(), 240);
+    EXPECT_EQ(settings.range, Types::Range(500, 1500));
+}
+
+TEST_F(ExportServiceTest, AFixedPresetKeepsItsOwnSize) {
+    startRuntime();
+    const auto collected = run(exportOf("h264_aac.mp4", "out.mp4", {"--preset=720p"}));
+    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_EQ(pipeline->settings.size(), 1u);
+    EXPECT_EQ(pipeline->settings[0].preset.width(), 1280);
+    EXPECT_EQ(pipeline->settings[0].preset.height(), 720);
+}
+
+TEST_F(ExportServiceTest, EndsWithOneDoneValueThatDescribesTheOutput) {
+    startRuntime();
+    const auto collected = run(exportOf("h264_aac.mp4", "out.mp4"));
+    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    EXPECT_TRUE(collected->completed);
+    ASSERT_FALSE(collected->values.empty());
+    const auto done = collected->values.back().at("export");
+    EXPECT_EQ(done.at("input"), mediaFixture("h264_aac.mp4"));
+    EXPECT_EQ(done.at("output"), output("out.mp4").toStdString());
+    EXPECT_EQ(done.at("done"), true);
+    EXPECT_EQ(done.at("frames"), 5);
+    EXPECT_EQ(done.at("duration_ms"), 200);
+    EXPECT_EQ(done.at("bytes"), 500);
+    EXPECT_EQ(
+        done.at("video"),
+        (nlohmann::json{{"codec", "h264"}, {"width", 320}, {"height", 240}, {"bit_rate", 1000}}));
+    EXPECT_EQ(
+        done.at("audio"),
+        (nlohmann::json{
+            {"codec", "aac"}, {"sample_rate", 44100}, {"channels", 2}, {"bit_rate", 128000}}));
+    EXPECT_LE(done.at("started_ms").get<std::int64_t>(),
+              done.at("finished_ms").get<std::int64_t>());
+    EXPECT_EQ(files(), QStringList{"out.mp4"});
+}
+
+TEST_F(ExportServiceTest, ProgressValuesComeWhileItRunsBeforeTheDoneValue) {
+    startRuntime();
+    pipeline->frames = 20;
+    pipeline->perFrame = 30ms;
+    const auto collected = run(exportOf("h264_aac.mp4", "out.mp4"));
+    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_GE(collected->values.size(), 2u);
+    for (std::size_t i = 0; i + 1 < collected->values.size(); ++i) {
+        const auto& progress = collected->values[i].at("export");
+        EXPECT_EQ(progress.at("output"), output("out.mp4").toStdString());
+        EXPECT_GE(progress.at("progress").get<double>(), 0.0);
+        EXPECT_LE(progress.at("progress").get<double>(), 1.0);
+        EXPECT_TRUE(progress.contains("frames"));
+        EXPECT_TRUE(progress.contains("fps"));
+        EXPECT_FALSE(progress.contains("done"));
+    }
+}
+
+TEST_F(ExportServiceTest, TheTemporaryIsListedWhileTheExportRunsAndForgottenAfter) {
+    startRuntime();
+    const auto collected = run(exportOf("h264_aac.mp4", "out.mp4"));
+    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    EXPECT_TRUE(pipeline->temporaryListed);
+    EXPECT_TRUE(Velmor::Temporaries::paths().empty());
+}
+
+TEST_F(ExportServiceTest, AnOddInputWithTheOriginalFrameSizeFailsAsThePresetSays) {
+    startRuntime();
+    const auto collected =
+        run(exportOf("wide_1921x1080.mp4", "out.mp4", {"--preset-frame-size=original"}));
+    expectFailure<Error>(collected->error, "Frame size must be even.");
+    EXPECT_EQ(pipeline->made, 0);
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(ExportServiceTest, AnUnknownPresetFailsWithThePresetsWords) {
+    startRuntime();
+    const auto collected = run(exportOf("h264_aac.mp4", "out.mp4", {"--preset=9000p"}));
+    ASSERT_TRUE(collected->error);
+    EXPECT_EQ(errorText(collected->error).rfind("Unknown preset: 9000p", 0), 0u)
+        << errorText(collected->error);
+    EXPECT_EQ(pipeline->made, 0);
+}
+
+TEST_F(ExportServiceTest, AnExistingOutputFailsWithoutOverwrite) {
+    startRuntime();
+    QFile existing(output("out.mp4"));
+    ASSERT_TRUE(existing.open(QIODevice::WriteOnly));
+    existing.write("old");
+    existing.close();
+    const auto collected = run(exportOf("h264_aac.mp4", "out.mp4"));
+    expectFailure<Error>(collected->error,
+                         "Output file exists: " + output("out.mp4").toStdString());
+    EXPECT_EQ(pipeline->made, 0);
+    ASSERT_TRUE(existing.open(QIODevice::ReadOnly));
+    EXPECT_EQ(existing.readAll(), "old");
+}
+
+TEST_F(ExportServiceTest, OverwriteReplacesAnExistingOutput) {
+    startRuntime();
+    QFile existing(output("out.mp4"));
+    ASSERT_TRUE(existing.open(QIODevice::WriteOnly));
+    existing.write("old");
+    existing.close();
+    const auto collected = run(exportOf("h264_aac.mp4", "out.mp4", {"--overwrite"}));
+    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_TRUE(existing.open(QIODevice::ReadOnly));
+    EXPECT_EQ(existing.size(), 500);
+}
+
+TEST_F(ExportServiceTest, SkipExistingEmitsSkippedAndExportsNothing) {
+    startRuntime();
+    QFile existing(output("out.mp4"));
+    ASSERT_TRUE(existing.open(QIODevice::WriteOnly));
+    existing.close();
+    const auto collected = run(exportOf("h264_aac.mp4", "out.mp4", {"--skip-existing"}));
+    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_EQ(collected->values.size(), 1u);
+    EXPECT_EQ(collected->values[0],
+              (nlohmann::json{
+                  {"export", {{"output", output("out.mp4").toStdString()}, {"skipped", true}}}}));
+    EXPECT_EQ(pipeline->made, 0);
+}
+
+TEST_F(ExportServiceTest, SkipExistingExportsAnOutputThatIsNotThere) {
+    startRuntime();
+    const auto collected = run(exportOf("h264_aac.mp4", "out.mp4", {"--skip-existing"}));
+    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    EXPECT_EQ(collected->values.back().at("export").at("done"), true);
+}
+
+TEST_F(ExportServiceTest, AMissingOutputDirectoryFailsBeforeTheInputIsReadNamingPathAndReason) {
+    startRuntime();
+    const QString missing = output("missing");
+    const auto collected = run({"app", "no-such-input.mp4", "--output=" + missing + "/out.mp4"});
+    expectFailure<Error>(collected->error, "Can not write to " + missing.toStdString()
+                                               + ": No such file or directory");
+    EXPECT_EQ(pipeline->made, 0);
+}
+
+TEST_F(ExportServiceTest, AnOutputDirectoryThatIsAFileFailsAsNoDirectory) {
+    startRuntime();
+    QFile file(output("plain"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.close();
+    const auto collected = run(exportOf("h264_aac.mp4", "plain/out.mp4"));
+    expectFailure<Error>(collected->error,
+                         "Can not write to " + output("plain").toStdString() + ": Not a directory");
+}
+
+TEST_F(ExportServiceTest, AFailingExportEndsWithItsOwnFailureAndLeavesNoFile) {
+    startRuntime();
+    pipeline->failAt = 3;
+    const auto collected = run(exportOf("h264_aac.mp4", "out.mp4"));
+    expectFailure<std::runtime_error>(collected->error, "No space left on device");
+    EXPECT_TRUE(files().isEmpty());
+    EXPECT_TRUE(Velmor::Temporaries::paths().empty());
+}
+
+TEST_F(ExportServiceTest, ADisabledEncoderPluginReachesTheCallerUnchanged) {
+    startRuntime();
+    pipeline->failAt = 1;
+    pipeline->failure = [] {
+        return std::make_exception_ptr(Velmor::Core::PluginError(
+            "Can not encode CODEC_ID_H264: the plug-in EncodersFF is disabled"));
+    };
+    const auto collected = run(exportOf("h264_aac.mp4", "out.mp4"));
+    expectFailure<Velmor::Core::PluginError>(
+        collected->error, "Can not encode CODEC_ID_H264: the plug-in EncodersFF is disabled");
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(ExportServiceTest, AnInputThatCanNotBeReadFailsAndExportsNothing) {
+    startRuntime();
+    const auto collected = run(exportOf("notmedia.txt", "out.mp4"));
+    ASSERT_TRUE(collected->error);
+    EXPECT_EQ(pipeline->made, 0);
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(ExportServiceTest, UnsubscribingCancelsTheRunningExportRemovesItsTemporaryAndFreesItsPlace) {
+    startRuntime(1);
+    pipeline->frames = 100000;
+    pipeline->perFrame = 1ms;
+    ExportService service(standIn(pipeline));
+    rxcpp::composite_subscription lifetime;
+    auto collected = std::make_shared<Collected>();
+    service.run(exportOf("h264_aac.mp4", "first.mp4"))
+        .subscribe(lifetime, [collected](const nlohmann::json& value) {
+            std::lock_guard<std::mutex> lock(collected->mutex);
+            collected->values.push_back(value);
+        });
+    ASSERT_TRUE(spinUntil([&] {
+        std::lock_guard<std::mutex> lock(collected->mutex);
+        return !collected->values.empty();
+    }));
+    lifetime.unsubscribe();
+    ASSERT_TRUE(spinUntil([&] { return pipeline->count(&Pipeline::ended) == 1; }));
+    ASSERT_TRUE(spinUntil([&] { return Velmor::Temporaries::paths().empty(); }));
+    EXPECT_TRUE(files().isEmpty());
+
+    // The one place is free again: another export gets it and ends.
+    pipeline->frames = 2;
+    const auto second = run(exportOf("h264_aac.mp4", "second.mp4"));
+    ASSERT_FALSE(second->error) << errorText(second->error);
+    EXPECT_EQ(files(), QStringList{"second.mp4"});
+}
+
+TEST_F(ExportServiceTest, UnsubscribingAnExportThatWaitsForAPlaceNeverStartsIt) {
+    startRuntime(1);
+    pipeline->frames = 100000;
+    pipeline->perFrame = 1ms;
+    ExportService service(standIn(pipeline));
+    rxcpp::composite_subscription first;
+    rxcpp::composite_subscription waiting;
+    auto started = std::make_shared<std::atomic<bool>>(false);
+    service.run(exportOf("h264_aac.mp4", "first.mp4"))
+        .subscribe(first, [started](const nlohmann::json&) { *started = true; });
+    service.run(exportOf("h264_aac.mp4", "waiting.mp4"))
+        .subscribe(waiting, [](const nlohmann::json&) {});
+    ASSERT_TRUE(spinUntil([&] { return started->load(); }));
+    waiting.unsubscribe();
+    first.unsubscribe();
+    ASSERT_TRUE(spinUntil([&] { return pipeline->count(&Pipeline::ended) == 1; }));
+    EditorService::Testing::spinFor(200ms);
+    EXPECT_EQ(pipeline->count(&Pipeline::made), 1);
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(ExportServiceTest, ByDefaultExportsTakeTheirTurnsOneAtATime) {
+    startRuntime(1);
+    ExportService service(standIn(pipeline));
+    std::vector<std::shared_ptr<Collected>> runs;
+    for (int i = 0; i < 3; ++i)
+        runs.push_back(
+            collect(service.run(exportOf("h264_aac.mp4", QStringLiteral("out%1.mp4").arg(i)))));
+    ASSERT_TRUE(spinUntil([&] {
+        return std::all_of(runs.begin(), runs.end(), [](const auto& run) { return run->ended(); });
+    }));
+    for (const auto& run : runs)
+        ASSERT_FALSE(run->error) << errorText(run->error);
+    EXPECT_EQ(pipeline->mostRunning, 1);
+    EXPECT_EQ(files().size(), 3);
+}
+
+TEST_F(ExportServiceTest, TwoRenderJobsLetTwoExportsRunAtOnceAndNoMore) {
+    startRuntime(2);
+    pipeline->waitForRunning = 2;
+    ExportService service(standIn(pipeline));
+    std::vector<std::shared_ptr<Collected>> runs;
+    for (int i = 0; i < 4; ++i)
+        runs.push_back(
+            collect(service.run(exportOf("h264_aac.mp4", QStringLiteral("out%1.mp4").arg(i)))));
+    ASSERT_TRUE(spinUntil([&] {
+        return std::all_of(runs.begin(), runs.end(), [](const auto& run) { return run->ended(); });
+    }));
+    for (const auto& run : runs)
+        ASSERT_FALSE(run->error) << errorText(run->error);
+    EXPECT_EQ(pipeline->mostRunning, 2);
+    EXPECT_EQ(files().size(), 4);
+}
