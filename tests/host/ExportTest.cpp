@@ -5,11 +5,15 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <poll.h>
+#include <pty.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 using EditorService::Testing::HostRun;
@@ -76,6 +80,57 @@ QByteArray errorsBesidesTheLog(const QByteArray& errors) {
             kept += line + '\n';
     }
     return kept;
+}
+
+// One run of the host whose stderr is a pseudo-terminal and whose stdout is a pipe.
+struct TerminalRun {
+    int exitCode = -1;
+    QByteArray output;
+    QByteArray terminal;
+};
+
+TerminalRun runHostOnATerminal(const QStringList& arguments) {
+    TerminalRun run;
+    int master = -1;
+    int slave = -1;
+    if (::openpty(&master, &slave, nullptr, nullptr, nullptr) != 0) {
+        ADD_FAILURE() << "openpty failed";
+        return run;
+    }
+    const QString slaveName = QString::fromLocal8Bit(::ttyname(slave));
+    // The terminal is read while the host runs, so that a full buffer never holds it up; once
+    // the host has ended, what it wrote is all there to be read.
+    std::atomic<bool> ended{false};
+    std::thread reader([&] {
+        char buffer[4096];
+        for (;;) {
+            pollfd readable{master, POLLIN, 0};
+            const int ready = ::poll(&readable, 1, 100);
+            if (ready == 0 && ended)
+                break;
+            if (ready <= 0)
+                continue;
+            const ssize_t read = ::read(master, buffer, sizeof buffer);
+            if (read <= 0)
+                break;
+            run.terminal.append(buffer, int(read));
+        }
+    });
+    QProcess process;
+    process.setStandardErrorFile(slaveName);
+    startHost(process, arguments);
+    ::close(slave);
+    process.closeWriteChannel();
+    if (process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit)
+        run.exitCode = process.exitCode();
+    else
+        process.kill();
+    process.waitForFinished();
+    run.output = process.readAllStandardOutput();
+    ended = true;
+    reader.join();
+    ::close(master);
+    return run;
 }
 
 class ExportTest : public testing::Test {
@@ -262,7 +317,7 @@ TEST_F(ExportTest, ASiblingCommandThatFailsFirstCancelsTheExportAndLeavesNoFile)
     const HostRun run = runHost({"script", writeScript(script), "--jobs=0"});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(errorsBesidesTheLog(run.errors), "x\n");
-    EXPECT_EQ(files(), QStringList{"batch.reel"});
+    EXPECT_EQ(files(), QStringList{"batch.reel"}) << files().join(' ').toStdString();
 }
 
 TEST_F(ExportTest, ASiblingFailureCancelsAnExportRunningUnderTheScriptsJobLimitToo) {
@@ -271,7 +326,7 @@ TEST_F(ExportTest, ASiblingFailureCancelsAnExportRunningUnderTheScriptsJobLimitT
     const HostRun run = runHost({"script", writeScript(script), "--jobs=2"});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(errorsBesidesTheLog(run.errors), "x\n");
-    EXPECT_EQ(files(), QStringList{"batch.reel"});
+    EXPECT_EQ(files(), QStringList{"batch.reel"}) << files().join(' ').toStdString();
 }
 
 TEST_F(ExportTest, AnInputThatNeverDeliversEndsWith124UnderATimeLimitAndLeavesNoFile) {
@@ -314,5 +369,50 @@ TEST_F(ExportTest, InterruptMidExportUnderAScriptsJobLimitLeavesNoFile) {
         "export; " + fixture("long.mp4").toUtf8() + "; --output=" + path("out.mp4").toUtf8() + "\n";
     const HostRun run = signalMidExport({"script", writeScript(script), "--jobs=1"}, SIGINT);
     EXPECT_EQ(run.exitCode, 130) << run.errors.toStdString();
-    EXPECT_EQ(files(), QStringList{"batch.reel"});
+    EXPECT_EQ(files(), QStringList{"batch.reel"}) << files().join(' ').toStdString();
+}
+
+TEST_F(ExportTest, WithStderrATerminalAProgressLineIsDrawnThereAndStdoutCarriesOnlyJsonValues) {
+    const TerminalRun run =
+        runHostOnATerminal({"export", fixture("long.mp4"), "--output=" + path("out.mp4")});
+    ASSERT_EQ(run.exitCode, 0) << run.terminal.toStdString();
+    // "<output> 42% 120 fps 3 s left", redrawn in place and wiped at the end.
+    const QByteArray start = "\r" + path("out.mp4").toUtf8() + " ";
+    EXPECT_TRUE(run.terminal.contains(start)) << run.terminal.toStdString();
+    EXPECT_TRUE(run.terminal.contains("% ")) << run.terminal.toStdString();
+    EXPECT_TRUE(run.terminal.contains(" fps ")) << run.terminal.toStdString();
+    EXPECT_TRUE(run.terminal.contains(" left\033[K")) << run.terminal.toStdString();
+    EXPECT_TRUE(run.terminal.endsWith("\r\033[K")) << run.terminal.toStdString();
+    const QList<QByteArray> lines = run.output.split('\n');
+    ASSERT_FALSE(lines.isEmpty());
+    EXPECT_TRUE(lines.last().isEmpty());
+    for (int i = 0; i + 1 < lines.size(); ++i) {
+        EXPECT_FALSE(lines[i].contains('\r')) << lines[i].toStdString();
+        EXPECT_NO_THROW(nlohmann::json::parse(lines[i].toStdString())) << lines[i].toStdString();
+    }
+    ASSERT_EQ(doneValues(HostRun{0, run.output, {}}).size(), 1u);
+}
+
+TEST_F(ExportTest, ATimeLimitExpiringWhileAnExportsTemporaryExistsRemovesIt) {
+    // A 1080p export of a minute of video runs far longer than its silent sibling's limit.
+    const QByteArray script =
+        "export; " + fixture("long.mp4").toUtf8() + "; --output=" + path("out.mp4").toUtf8()
+        + "; --preset=1080p\ntick; --count=1; --interval=600000; --timeout=2\n";
+    QProcess process;
+    startHost(process, {"script", writeScript(script), "--jobs=0"});
+    process.closeWriteChannel();
+    const QString temporary =
+        QStringLiteral("out.mp4.reelsmith-partial-%1").arg(process.processId());
+    bool temporaryExisted = false;
+    while (!temporaryExisted && process.state() == QProcess::Running) {
+        temporaryExisted = files().contains(temporary);
+        process.waitForFinished(20);
+    }
+    ASSERT_TRUE(temporaryExisted) << files().join(' ').toStdString();
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 124);
+    EXPECT_EQ(errorsBesidesTheLog(process.readAllStandardError()),
+              "Command timed out after 2 s: tick --count=1 --interval=600000\n");
+    EXPECT_EQ(files(), QStringList{"batch.reel"}) << files().join(' ').toStdString();
 }
