@@ -26,10 +26,10 @@ QStringList withPathOption(const QStringList& arguments, const QList<QCommandLin
 }
 
 QCommandLineOption mediaPathOption(const QString& what) {
-    return QCommandLineOption(QStringLiteral("path"),
-                              QStringLiteral("%1; may stand first without the option's name.")
-                                  .arg(what),
-                              QStringLiteral("path"));
+    return QCommandLineOption(
+        QStringLiteral("path"),
+        QStringLiteral("%1; may stand first without the option's name.").arg(what),
+        QStringLiteral("path"));
 }
 
 void requireMediaPath(const QString& path) {

@@ -60,7 +60,8 @@ TEST_F(ConsoleHostTest, NoServiceExitsWithUsageStatus) {
 TEST_F(ConsoleHostTest, UnknownServiceExitsWithUsageStatusNamingTheKnownOnes) {
     const HostRun run = runHost({"nosuch", "x"});
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_TRUE(run.errors.startsWith("Unknown service \"nosuch\", known services: echo, export, fail, "))
+    EXPECT_TRUE(
+        run.errors.startsWith("Unknown service \"nosuch\", known services: echo, export, fail, "))
         << run.errors.toStdString();
     EXPECT_EQ(run.output, "");
 }
@@ -86,7 +87,7 @@ TEST_F(ConsoleHostTest, PlaceholdersInAnUnknownHostOptionAreQuotedAsTheyCame) {
 }
 
 TEST_F(ConsoleHostTest, PlaceholdersInAnUnknownPresetNameAreQuotedAsTheyCame) {
-    for (const QString name : {QStringLiteral("%2"), QStringLiteral("a%1b")}) {
+    for (const QString& name : {QStringLiteral("%2"), QStringLiteral("a%1b")}) {
         const HostRun run = runHost({"preset", "--preset=" + name});
         EXPECT_EQ(run.exitCode, 1);
         EXPECT_TRUE(run.errors.startsWith("Unknown preset: " + name.toUtf8()
