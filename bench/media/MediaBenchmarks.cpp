@@ -16,18 +16,19 @@ namespace {
 using Bench::Program;
 using Bench::timeRun;
 
-// A clip as cameras and editors make them: 1280x720, 25 frames a second, 10 s, a key frame
-// every 10 s (x264's default interval), with AAC audio.
+// A clip as cameras and editors make them: 25 frames a second, 10 s, a key frame every 10 s
+// (x264's default interval), with AAC audio; 1280x720 for the probes and thumbnails.
 class Clip {
 public:
-    Clip() {
-        path = directory.filePath("clip.mp4").toStdString();
-        timeRun({{"ffmpeg",    "-nostdin", "-v",      "error",
-                  "-f",        "lavfi",    "-i",      "testsrc2=size=1280x720:rate=25:duration=10",
-                  "-f",        "lavfi",    "-i",      "sine=sample_rate=48000:duration=10",
-                  "-c:v",      "libx264",  "-preset", "veryfast",
-                  "-pix_fmt",  "yuv420p",  "-c:a",    "aac",
-                  "-shortest", path}});
+    explicit Clip(const std::string& size = "1280x720") {
+        path = directory.filePath(QString::fromStdString("clip" + size + ".mp4")).toStdString();
+        timeRun(
+            {{"ffmpeg",    "-nostdin", "-v",      "error",
+              "-f",        "lavfi",    "-i",      "testsrc2=size=" + size + ":rate=25:duration=10",
+              "-f",        "lavfi",    "-i",      "sine=sample_rate=48000:duration=10",
+              "-c:v",      "libx264",  "-preset", "veryfast",
+              "-pix_fmt",  "yuv420p",  "-c:a",    "aac",
+              "-shortest", path}});
     }
 
     QString file(const QString& name) const { return directory.filePath(name); }
@@ -127,26 +128,9 @@ BENCHMARK(ThumbnailsAgainstFfmpeg)
     ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
 
-// A 1080p clip of 10 s, made once, for the export figures.
-class LargeClip {
-public:
-    LargeClip() {
-        path = directory.filePath("clip1080.mp4").toStdString();
-        timeRun({{"ffmpeg",    "-nostdin", "-v",      "error",
-                  "-f",        "lavfi",    "-i",      "testsrc2=size=1920x1080:rate=25:duration=10",
-                  "-f",        "lavfi",    "-i",      "sine=sample_rate=48000:duration=10",
-                  "-c:v",      "libx264",  "-preset", "veryfast",
-                  "-pix_fmt",  "yuv420p",  "-c:a",    "aac",
-                  "-shortest", path}});
-    }
-    QString file(const QString& name) const { return directory.filePath(name); }
-
-    QTemporaryDir directory;
-    std::string path;
-};
-
-const LargeClip& largeClip() {
-    static const LargeClip made;
+// A 1080p clip, made once, for the export figures.
+const Clip& largeClip() {
+    static const Clip made("1920x1080");
     return made;
 }
 
