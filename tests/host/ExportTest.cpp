@@ -20,6 +20,7 @@ using EditorService::Testing::HostRun;
 using EditorService::Testing::mediaFixture;
 using EditorService::Testing::QuietHostSanitizer;
 using EditorService::Testing::runHost;
+using EditorService::Testing::signalHostWhen;
 using EditorService::Testing::startHost;
 
 namespace {
@@ -152,20 +153,9 @@ protected:
     // Starts an export of a minute of video, waits for its first progress value, signals the
     // host and collects what it did.
     HostRun signalMidExport(const QStringList& arguments, int signal) {
-        QProcess process;
-        startHost(process, arguments);
-        QByteArray output;
-        while (!output.contains("\"progress\"") && process.state() == QProcess::Running) {
-            process.waitForReadyRead(60000);
-            output += process.readAllStandardOutput();
-        }
-        ::kill(pid_t(process.processId()), signal);
-        EXPECT_TRUE(process.waitForFinished(60000));
-        HostRun run;
-        run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-        run.output = output + process.readAllStandardOutput();
-        run.errors = process.readAllStandardError();
-        return run;
+        return signalHostWhen(
+            arguments, [](const QByteArray& output) { return output.contains("\"progress\""); },
+            signal);
     }
 
     QuietHostSanitizer quietSanitizer;

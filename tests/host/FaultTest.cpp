@@ -10,6 +10,7 @@
 using EditorService::Testing::HostRun;
 using EditorService::Testing::QuietHostSanitizer;
 using EditorService::Testing::runHost;
+using EditorService::Testing::signalHostWhen;
 using EditorService::Testing::startHost;
 
 namespace {
@@ -47,20 +48,9 @@ protected:
 
     // Starts the host on a script, waits for its first values, signals it and collects.
     HostRun signalDuringScript(const QByteArray& script, const QStringList& options, int signal) {
-        QProcess process;
-        startHost(process, QStringList{"script", writeScript(script)} + options);
-        QByteArray output;
-        while (output.count('\n') < 20 && process.state() == QProcess::Running) {
-            process.waitForReadyRead(60000);
-            output += process.readAllStandardOutput();
-        }
-        ::kill(pid_t(process.processId()), signal);
-        EXPECT_TRUE(process.waitForFinished(60000));
-        HostRun run;
-        run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-        run.output = output + process.readAllStandardOutput();
-        run.errors = process.readAllStandardError();
-        return run;
+        return signalHostWhen(
+            QStringList{"script", writeScript(script)} + options,
+            [](const QByteArray& output) { return output.count('\n') >= 20; }, signal);
     }
 
     QuietHostSanitizer m_quietSanitizer;

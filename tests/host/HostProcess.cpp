@@ -1,5 +1,8 @@
 #include "tests/host/HostProcess.h"
 
+#include <csignal>
+#include <gtest/gtest.h>
+
 namespace EditorService::Testing {
 
 QList<QByteArray> HostRun::outputLines() const {
@@ -36,6 +39,24 @@ void startHost(QProcess& process, const QStringList& arguments) {
     process.setArguments(arguments);
     process.start();
     process.waitForStarted();
+}
+
+HostRun signalHostWhen(const QStringList& arguments,
+                       const std::function<bool(const QByteArray& output)>& ready, int signal) {
+    QProcess process;
+    startHost(process, arguments);
+    QByteArray output;
+    while (!ready(output) && process.state() == QProcess::Running) {
+        process.waitForReadyRead(60000);
+        output += process.readAllStandardOutput();
+    }
+    ::kill(pid_t(process.processId()), signal);
+    EXPECT_TRUE(process.waitForFinished(60000));
+    HostRun run;
+    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    run.output = output + process.readAllStandardOutput();
+    run.errors = process.readAllStandardError();
+    return run;
 }
 
 } // namespace EditorService::Testing

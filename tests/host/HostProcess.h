@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QProcess>
 #include <QStringList>
+#include <functional>
 #include <vector>
 
 namespace EditorService::Testing {
@@ -21,6 +22,11 @@ HostRun runHost(const QStringList& arguments, const QString& workingDirectory = 
 
 // Starts the host and leaves it running, for tests that signal it or close its output.
 void startHost(QProcess& process, const QStringList& arguments);
+
+// Starts the host, reads its output until `ready` holds for what came so far (or the host has
+// ended), sends it the signal and collects what it did; a host killed by a signal reads as -1.
+HostRun signalHostWhen(const QStringList& arguments,
+                       const std::function<bool(const QByteArray& output)>& ready, int signal);
 
 #if defined(__SANITIZE_THREAD__)
 #define HOST_UNDER_THREAD_SANITIZER 1

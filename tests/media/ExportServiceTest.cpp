@@ -196,6 +196,20 @@ protected:
         return collectToEnd(service.run(arguments));
     }
 
+    // Starts `count` exports of one input at once and waits until each has ended, none failed.
+    void exportEachToItsEnd(ExportService& service, int count) {
+        std::vector<std::shared_ptr<Collected>> runs;
+        for (int i = 0; i < count; ++i)
+            runs.push_back(
+                collect(service.run(exportOf("h264_aac.mp4", QStringLiteral("out%1.mp4").arg(i)))));
+        ASSERT_TRUE(spinUntil([&] {
+            return std::all_of(runs.begin(), runs.end(),
+                               [](const auto& run) { return run->ended(); });
+        }));
+        for (const auto& run : runs)
+            ASSERT_FALSE(run->error) << errorText(run->error);
+    }
+
     // Lists nothing at the outputs' directory but the given names.
     QStringList files() const { return QDir(outputs.path()).entryList(QDir::Files, QDir::Name); }
 
@@ -449,15 +463,8 @@ TEST_F(ExportServiceTest, UnsubscribingAnExportThatWaitsForAPlaceNeverStartsIt) 
 TEST_F(ExportServiceTest, ByDefaultExportsTakeTheirTurnsOneAtATime) {
     startRuntime(1);
     ExportService service(standIn(pipeline));
-    std::vector<std::shared_ptr<Collected>> runs;
-    for (int i = 0; i < 3; ++i)
-        runs.push_back(
-            collect(service.run(exportOf("h264_aac.mp4", QStringLiteral("out%1.mp4").arg(i)))));
-    ASSERT_TRUE(spinUntil([&] {
-        return std::all_of(runs.begin(), runs.end(), [](const auto& run) { return run->ended(); });
-    }));
-    for (const auto& run : runs)
-        ASSERT_FALSE(run->error) << errorText(run->error);
+    exportEachToItsEnd(service, 3);
+    ASSERT_FALSE(HasFatalFailure());
     EXPECT_EQ(pipeline->mostRunning, 1);
     EXPECT_EQ(files().size(), 3);
 }
@@ -466,15 +473,8 @@ TEST_F(ExportServiceTest, TwoRenderJobsLetTwoExportsRunAtOnceAndNoMore) {
     startRuntime(2);
     pipeline->waitForRunning = 2;
     ExportService service(standIn(pipeline));
-    std::vector<std::shared_ptr<Collected>> runs;
-    for (int i = 0; i < 4; ++i)
-        runs.push_back(
-            collect(service.run(exportOf("h264_aac.mp4", QStringLiteral("out%1.mp4").arg(i)))));
-    ASSERT_TRUE(spinUntil([&] {
-        return std::all_of(runs.begin(), runs.end(), [](const auto& run) { return run->ended(); });
-    }));
-    for (const auto& run : runs)
-        ASSERT_FALSE(run->error) << errorText(run->error);
+    exportEachToItsEnd(service, 4);
+    ASSERT_FALSE(HasFatalFailure());
     EXPECT_EQ(pipeline->mostRunning, 2);
     EXPECT_EQ(files().size(), 4);
 }

@@ -1,29 +1,15 @@
 #include "media/ProbeRequest.h"
 
 #include "service/api/Error.h"
-#include "service/api/HelpException.h"
+#include "tests/media/LoadFailure.h"
 
 #include <gtest/gtest.h>
 
 using EditorService::Error;
 using EditorService::ProbeRequest;
-using EditorService::CLI::HelpException;
+using EditorService::Testing::failureOf;
 
 namespace {
-
-// What loading throws, as "<type>: <text>".
-template <class Load> std::string failureOf(Load load) {
-    try {
-        load();
-    } catch (const HelpException& help) {
-        return std::string("HelpException: ") + help.what();
-    } catch (const Error& error) {
-        return std::string("Error: ") + error.what();
-    } catch (const std::exception& error) {
-        return std::string("other: ") + error.what();
-    }
-    return "no failure";
-}
 
 const ProbeRequest& probe(const std::unique_ptr<EditorService::Request>& request) {
     return dynamic_cast<const ProbeRequest&>(*request);

@@ -1,30 +1,16 @@
 #include "media/ThumbnailRequest.h"
 
 #include "service/api/Error.h"
-#include "service/api/HelpException.h"
+#include "tests/media/LoadFailure.h"
 
 #include <gtest/gtest.h>
 
 using EditorService::Error;
 using EditorService::ThumbnailRequest;
-using EditorService::CLI::HelpException;
+using EditorService::Testing::failureOf;
 using Velmor::Proc::SettingsResizer;
 
 namespace {
-
-// What loading throws, as "<type>: <text>".
-template <class Load> std::string failureOf(Load load) {
-    try {
-        load();
-    } catch (const HelpException& help) {
-        return std::string("HelpException: ") + help.what();
-    } catch (const Error& error) {
-        return std::string("Error: ") + error.what();
-    } catch (const std::exception& error) {
-        return std::string("other: ") + error.what();
-    }
-    return "no failure";
-}
 
 const ThumbnailRequest& thumbnail(const std::unique_ptr<EditorService::Request>& request) {
     return dynamic_cast<const ThumbnailRequest&>(*request);

@@ -16,6 +16,40 @@ namespace {
 
 constexpr auto generously = std::chrono::seconds(60);
 
+// What a controller signals, and what its tasks note, in order, with the thread of each.
+class EventLog {
+public:
+    explicit EventLog(Task::Controller& controller) {
+        QObject::connect(
+            &controller, &Task::Controller::isBusy, &controller, [this] { note("isBusy"); },
+            Qt::DirectConnection);
+        QObject::connect(
+            &controller, &Task::Controller::isIdle, &controller,
+            [this] {
+                note("isIdle");
+                idle.set_value();
+            },
+            Qt::DirectConnection);
+    }
+
+    void note(const std::string& event) {
+        std::lock_guard<std::mutex> lock(mutex);
+        events.push_back(event);
+        threads.push_back(std::this_thread::get_id());
+    }
+
+    bool waitForIdle() {
+        return idle.get_future().wait_for(generously) == std::future_status::ready;
+    }
+
+    std::mutex mutex;
+    std::vector<std::string> events;
+    std::vector<std::thread::id> threads;
+
+private:
+    std::promise<void> idle;
+};
+
 } // namespace
 
 class TaskControllerTest : public testing::Test {
@@ -27,32 +61,14 @@ protected:
 };
 
 TEST_F(TaskControllerTest, SignalsBusyAndIdleFromItsOwnThreadAroundTheWork) {
-    std::mutex mutex;
-    std::vector<std::string> events;
-    std::vector<std::thread::id> threads;
-    auto note = [&](const std::string& event) {
-        std::lock_guard<std::mutex> lock(mutex);
-        events.push_back(event);
-        threads.push_back(std::this_thread::get_id());
-    };
-    std::promise<void> idle;
     Task::Controller controller;
-    QObject::connect(
-        &controller, &Task::Controller::isBusy, &controller, [&] { note("isBusy"); },
-        Qt::DirectConnection);
-    QObject::connect(
-        &controller, &Task::Controller::isIdle, &controller,
-        [&] {
-            note("isIdle");
-            idle.set_value();
-        },
-        Qt::DirectConnection);
-    controller.submit([&] { note("task"); });
-    ASSERT_EQ(idle.get_future().wait_for(generously), std::future_status::ready);
-    std::lock_guard<std::mutex> lock(mutex);
+    EventLog log(controller);
+    controller.submit([&] { log.note("task"); });
+    ASSERT_TRUE(log.waitForIdle());
+    std::lock_guard<std::mutex> lock(log.mutex);
     const std::vector<std::string> expected{"isBusy", "task", "isIdle"};
-    EXPECT_EQ(events, expected);
-    for (const auto& thread : threads)
+    EXPECT_EQ(log.events, expected);
+    for (const auto& thread : log.threads)
         EXPECT_NE(thread, std::this_thread::get_id());
 }
 
@@ -90,33 +106,17 @@ TEST_F(TaskControllerTest, AnInjectedFailureLeavesTheConstructor) {
 }
 
 TEST_F(TaskControllerTest, ConcurrentTasksRunSideBySideWithTheSerialOneUnderOneBusyAndIdle) {
-    std::mutex mutex;
-    std::vector<std::string> events;
-    auto note = [&](const std::string& event) {
-        std::lock_guard<std::mutex> lock(mutex);
-        events.push_back(event);
-    };
-    std::promise<void> idle;
     std::promise<void> release;
     auto released = release.get_future().share();
     std::promise<void> allStarted;
     int started = 0;
+    Task::Controller controller;
+    EventLog log(controller);
     auto start = [&] {
-        std::lock_guard<std::mutex> lock(mutex);
+        std::lock_guard<std::mutex> lock(log.mutex);
         if (++started == 3)
             allStarted.set_value();
     };
-    Task::Controller controller;
-    QObject::connect(
-        &controller, &Task::Controller::isBusy, &controller, [&] { note("isBusy"); },
-        Qt::DirectConnection);
-    QObject::connect(
-        &controller, &Task::Controller::isIdle, &controller,
-        [&] {
-            note("isIdle");
-            idle.set_value();
-        },
-        Qt::DirectConnection);
     // Three tasks that wait for each other: they end only when all three run at once.
     controller.submit([&, released] {
         start();
@@ -132,34 +132,18 @@ TEST_F(TaskControllerTest, ConcurrentTasksRunSideBySideWithTheSerialOneUnderOneB
     });
     ASSERT_EQ(allStarted.get_future().wait_for(generously), std::future_status::ready);
     release.set_value();
-    ASSERT_EQ(idle.get_future().wait_for(generously), std::future_status::ready);
-    std::lock_guard<std::mutex> lock(mutex);
+    ASSERT_TRUE(log.waitForIdle());
+    std::lock_guard<std::mutex> lock(log.mutex);
     const std::vector<std::string> expected{"isBusy", "isIdle"};
-    EXPECT_EQ(events, expected);
+    EXPECT_EQ(log.events, expected);
 }
 
 TEST_F(TaskControllerTest, AConcurrentTaskAloneSignalsBusyAndIdleAroundIt) {
-    std::mutex mutex;
-    std::vector<std::string> events;
-    auto note = [&](const std::string& event) {
-        std::lock_guard<std::mutex> lock(mutex);
-        events.push_back(event);
-    };
-    std::promise<void> idle;
     Task::Controller controller;
-    QObject::connect(
-        &controller, &Task::Controller::isBusy, &controller, [&] { note("isBusy"); },
-        Qt::DirectConnection);
-    QObject::connect(
-        &controller, &Task::Controller::isIdle, &controller,
-        [&] {
-            note("isIdle");
-            idle.set_value();
-        },
-        Qt::DirectConnection);
-    controller.submitConcurrent([&] { note("task"); });
-    ASSERT_EQ(idle.get_future().wait_for(generously), std::future_status::ready);
-    std::lock_guard<std::mutex> lock(mutex);
+    EventLog log(controller);
+    controller.submitConcurrent([&] { log.note("task"); });
+    ASSERT_TRUE(log.waitForIdle());
+    std::lock_guard<std::mutex> lock(log.mutex);
     const std::vector<std::string> expected{"isBusy", "task", "isIdle"};
-    EXPECT_EQ(events, expected);
+    EXPECT_EQ(log.events, expected);
 }
