@@ -1,7 +1,7 @@
 #include <rxcpp/rx.hpp>
 
-#include "tests/platform/rx/ManualScheduler.h"
-#include "tests/platform/rx/Recorder.h"
+#include "tests/support/ManualScheduler.h"
+#include "tests/support/Recorder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include <rxcpp/rx.hpp>
 
-#include "tests/platform/rx/Recorder.h"
+#include "tests/support/Recorder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

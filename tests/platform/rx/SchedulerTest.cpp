@@ -1,6 +1,6 @@
 #include <rxcpp/rx.hpp>
 
-#include "tests/platform/rx/ManualScheduler.h"
+#include "tests/support/ManualScheduler.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -7,7 +7,7 @@
 #include "service/services/TimeoutRequestSerializer.h"
 #include "tests/service/services/ControlledService.h"
 #include "tests/service/services/ProbeRequest.h"
-#include "tests/service/services/StreamRecorder.h"
+#include "tests/support/StreamRecorder.h"
 #include "tests/support/EventLoop.h"
 
 #include <atomic>

@@ -13,7 +13,8 @@ namespace EditorService::Testing {
 
 // A scheduler on a clock that only the test moves: actions run on the test's thread, inside
 // advanceTo/advanceBy, in time order and first in first out for equal times. Every worker of
-// one scheduler shares its clock and its queue. Time starts at zero().
+// one scheduler shares its clock and its queue. Time starts at zero(). It runs schedulables the
+// bundled core's way, so only tests built on the bundled core (EDITORSERVICE_RX_BUNDLED) use it.
 class ManualScheduler : public rxcpp::schedulers::scheduler_interface {
     using time_point = clock_type::time_point;
 
