@@ -1,6 +1,7 @@
 #include "service/services/TimeoutProxyService.h"
 
 #include "platform/rxapp/RxApp.h"
+#include "service/services/LimitOnSilence.h"
 #include "service/services/TimeoutRequest.h"
 #include "service/services/TimeoutRequestSerializer.h"
 
@@ -13,12 +14,6 @@ TimeoutProxyService::TimeoutProxyService(const std::shared_ptr<AbstractService>&
                                          std::function<void(const Request&)> callback)
     : service(service)
     , callback(std::move(callback)) {}
-
-TimeoutProxyService::TimeoutProxyService(const TimeoutProxyService& other) = default;
-TimeoutProxyService::TimeoutProxyService(TimeoutProxyService&& other) noexcept = default;
-TimeoutProxyService& TimeoutProxyService::operator=(const TimeoutProxyService& other) = default;
-TimeoutProxyService& TimeoutProxyService::operator=(TimeoutProxyService&& other) noexcept = default;
-TimeoutProxyService::~TimeoutProxyService() = default;
 
 QList<QCommandLineOption> TimeoutProxyService::options() {
     return {TimeoutRequest::timeoutOption()};
@@ -42,22 +37,11 @@ TimeoutProxyService::run(const rxcpp::observable<std::shared_ptr<Request>>& requ
             auto values = service->run(limited->request);
             if (!limited->timeout || *limited->timeout <= 0)
                 return values;
-            // The error path only observes: the selector never resumes, it always rethrows.
-            const auto reportExpiry =
-                [limited, callback](std::exception_ptr error) -> rxcpp::observable<nlohmann::json> {
-                try {
-                    std::rethrow_exception(error);
-                } catch (const rxcpp::timeout_error&) {
-                    callback(*limited->request);
-                    throw;
-                }
-            };
-            return values
-                .timeout(std::chrono::duration<std::int64_t>(*limited->timeout),
-                         RxApp::instance()->newThread())
-                .on_error_resume_next(reportExpiry)
-                .observe_on(RxApp::instance()->mainThread())
-                .as_dynamic();
+            return limitOnSilence(
+                values, std::chrono::duration<std::int64_t>(*limited->timeout),
+                // Holds the request, so the reference handed to the callback stays valid.
+                [limited, callback] { callback(*limited->request); },
+                RxApp::instance()->newThread(), RxApp::instance()->mainThread());
         })
         .as_dynamic();
 }

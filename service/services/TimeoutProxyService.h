@@ -19,11 +19,6 @@ class EDITORSERVICE_EXPORT TimeoutProxyService : public AbstractService {
 public:
     TimeoutProxyService(const std::shared_ptr<AbstractService>& service,
                         std::function<void(const Request&)> callback);
-    TimeoutProxyService(const TimeoutProxyService& other);
-    TimeoutProxyService(TimeoutProxyService&& other) noexcept;
-    TimeoutProxyService& operator=(const TimeoutProxyService& other);
-    TimeoutProxyService& operator=(TimeoutProxyService&& other) noexcept;
-    ~TimeoutProxyService() override;
 
     // The one option the proxy adds to any service: TimeoutRequest::timeoutOption().
     static QList<QCommandLineOption> options();
