@@ -301,16 +301,7 @@ TEST_F(ExportTest, ByDefaultExportsOfAScriptRunOneAtATime) {
         EXPECT_LE(done[i - 1].at("finished_ms"), done[i].at("started_ms"));
 }
 
-TEST_F(ExportTest, ASiblingCommandThatFailsFirstCancelsTheExportAndLeavesNoFile) {
-    const QByteArray script = "export; " + fixture("long.mp4").toUtf8() + "; --output="
-                              + path("out.mp4").toUtf8() + "\nfail; --message=x; --after=200\n";
-    const HostRun run = runHost({"script", writeScript(script), "--jobs=0"});
-    EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(errorsBesidesTheLog(run.errors), "x\n");
-    EXPECT_EQ(files(), QStringList{"batch.reel"}) << files().join(' ').toStdString();
-}
-
-TEST_F(ExportTest, ASiblingFailureCancelsAnExportRunningUnderTheScriptsJobLimitToo) {
+TEST_F(ExportTest, ASiblingFailureCancelsAnExportRunningUnderTheScriptsJobLimitAndLeavesNoFile) {
     const QByteArray script = "export; " + fixture("long.mp4").toUtf8() + "; --output="
                               + path("out.mp4").toUtf8() + "\nfail; --message=x; --after=200\n";
     const HostRun run = runHost({"script", writeScript(script), "--jobs=2"});

@@ -1,0 +1,529 @@
+#include "media/ExportService.h"
+
+#include "platform/editorlogic/FileController.h"
+#include "platform/editorlogic/TaskController.h"
+#include "platform/foundation/Temporaries.h"
+#include "platform/package/PackageDirectory.h"
+#include "service/contexts/GlobalContextProvider.h"
+#include "service/services/LimitOnSilence.h"
+#include "tests/support/EventLoop.h"
+#include "tests/support/FailedWith.h"
+#include "tests/support/ManualScheduler.h"
+#include "tests/support/MediaFixtures.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+using EditorService::ExportRun;
+using EditorService::ExportRunFactory;
+using EditorService::ExportService;
+using EditorService::GlobalContextProvider;
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::ManualScheduler;
+using EditorService::Testing::mediaFixture;
+using EditorService::Testing::spinUntil;
+using namespace std::chrono_literals;
+
+namespace {
+
+// What can happen to an export. Every row of the table lets two of them happen, one
+// after the other; the first decides how the stream ends.
+enum class Event {
+    Finish,      // the export finishes
+    Fail,        // the export fails
+    Cancel,      // the subscriber unsubscribes
+    Expire,      // a time limit on silence expires
+    RuntimeGone, // the host stops: it cancels every export and destroys the runtime
+};
+
+const char* nameOf(Event event) {
+    switch (event) {
+    case Event::Finish:
+        return "Finish";
+    case Event::Fail:
+        return "Fail";
+    case Event::Cancel:
+        return "Cancel";
+    case Event::Expire:
+        return "Expire";
+    case Event::RuntimeGone:
+        return "RuntimeGone";
+    }
+    return "?";
+}
+
+// Where the export is when the events happen.
+enum class Phase {
+    Running,          // half-way, its temporary written, its render-job place taken
+    WaitingForAPlace, // queued behind another export that holds the only place
+};
+
+struct Row {
+    Phase phase;
+    Event first;
+    Event second;
+    // --render-jobs: 0 starts the export without the render-job queue.
+    int renderJobs;
+
+    bool involves(Event event) const { return first == event || second == event; }
+    // Whether the export under test ever starts.
+    bool runs() const { return phase == Phase::Running; }
+};
+
+// gtest prints a failing row with this.
+void PrintTo(const Row& row, std::ostream* out) {
+    *out << nameOf(row.first) << " then " << nameOf(row.second) << " with " << row.renderJobs
+         << " render jobs" << (row.runs() ? "" : ", waiting for a place");
+}
+
+std::string rowName(const testing::TestParamInfo<Row>& info) {
+    return std::string(info.param.runs() ? "" : "Waiting") + nameOf(info.param.first) + "Then"
+           + nameOf(info.param.second) + "With" + std::to_string(info.param.renderJobs)
+           + "RenderJobs";
+}
+
+const Event everyEvent[] = {Event::Finish, Event::Fail, Event::Cancel, Event::Expire,
+                            Event::RuntimeGone};
+
+std::vector<Row> whileRunning() {
+    std::vector<Row> rows;
+    for (const int renderJobs : {0, 1, 3}) {
+        for (const Event first : everyEvent) {
+            for (const Event second : everyEvent) {
+                if (first != second)
+                    rows.push_back({Phase::Running, first, second, renderJobs});
+            }
+        }
+    }
+    return rows;
+}
+
+// An export that waits can not finish or fail itself: there Finish and Fail are those of the
+// export that holds the place, which frees it. The host stopping first is left out: an export
+// still waiting for a place gets no end when the runtime goes.
+std::vector<Row> whileWaiting() {
+    std::vector<Row> rows;
+    for (const Event first : {Event::Cancel, Event::Expire}) {
+        for (const Event second : everyEvent) {
+            if (first != second)
+                rows.push_back({Phase::WaitingForAPlace, first, second, 1});
+        }
+    }
+    return rows;
+}
+
+// Where the stand-in exports stop half-way, with their temporary written, until the test lets
+// them finish or fail, or they are cancelled. Shared by every export a factory makes.
+struct Gate {
+    enum class Release { Hold, Finish, Fail };
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    Release release = Release::Hold;
+    std::vector<std::string> made; // the outputs of the exports made, in order
+    int holding = 0;
+    int running = 0;
+    int ended = 0;
+    bool temporaryListed = false;
+
+    void open(Release how) {
+        std::lock_guard<std::mutex> lock(mutex);
+        release = how;
+        changed.notify_all();
+    }
+
+    int count(const int Gate::*field) {
+        std::lock_guard<std::mutex> lock(mutex);
+        return this->*field;
+    }
+
+    std::vector<std::string> outputsMade() {
+        std::lock_guard<std::mutex> lock(mutex);
+        return made;
+    }
+};
+
+// Writes its temporary, reports progress, waits at the gate, then renames the temporary into
+// place or fails or is cancelled, removing the temporary as the pipeline's exporter does.
+class HeldExport : public ExportRun {
+public:
+    HeldExport(std::shared_ptr<Gate> gate, Export::ExportSettings settings)
+        : gate(std::move(gate))
+        , settings(std::move(settings))
+        , temporary(this->settings.output + ".reelsmith-partial-test") {}
+
+    const std::string& temporaryPath() const override { return temporary; }
+
+    Export::ExportResult run(const Export::Exporter::Progress& progress) override {
+        {
+            std::lock_guard<std::mutex> lock(gate->mutex);
+            ++gate->running;
+        }
+        struct Ended {
+            Gate& gate;
+            ~Ended() {
+                std::lock_guard<std::mutex> lock(gate.mutex);
+                --gate.running;
+                ++gate.ended;
+                gate.changed.notify_all();
+            }
+        } ended{*gate};
+
+        QFile file(QString::fromStdString(temporary));
+        if (!file.open(QIODevice::WriteOnly))
+            throw std::runtime_error("Can not open " + temporary);
+        file.write(QByteArray(100, 'x'));
+        progress({0.5, 1, 25.0});
+        Gate::Release how = Gate::Release::Hold;
+        {
+            std::unique_lock<std::mutex> lock(gate->mutex);
+            ++gate->holding;
+            const auto listed = Velmor::Temporaries::paths();
+            gate->temporaryListed =
+                std::find(listed.begin(), listed.end(), temporary) != listed.end();
+            gate->changed.notify_all();
+            gate->changed.wait(lock,
+                               [&] { return gate->release != Gate::Release::Hold || cancelled; });
+            --gate->holding;
+            how = cancelled ? Gate::Release::Hold : gate->release;
+        }
+        if (how != Gate::Release::Finish) {
+            file.close();
+            QFile::remove(QString::fromStdString(temporary));
+            if (how == Gate::Release::Fail)
+                throw std::runtime_error("No space left on device");
+            throw Export::ExportCancelled("Export cancelled: " + settings.output);
+        }
+        file.write(QByteArray(100, 'x'));
+        file.close();
+        if (std::rename(temporary.c_str(), settings.output.c_str()) != 0)
+            throw std::runtime_error("Can not rename " + temporary);
+        Export::ExportResult result;
+        result.frames = 2;
+        result.durationMs = 80;
+        result.bytes = 200;
+        result.video = {"h264", 320, 240, 20000};
+        return result;
+    }
+
+    void cancel() override {
+        std::lock_guard<std::mutex> lock(gate->mutex);
+        cancelled = true;
+        gate->changed.notify_all();
+    }
+
+private:
+    std::shared_ptr<Gate> gate;
+    Export::ExportSettings settings;
+    std::string temporary;
+    bool cancelled = false; // under the gate's mutex
+};
+
+ExportRunFactory heldExports(const std::shared_ptr<Gate>& gate) {
+    return [gate](const Export::ExportSettings& settings) -> std::unique_ptr<ExportRun> {
+        {
+            std::lock_guard<std::mutex> lock(gate->mutex);
+            gate->made.push_back(settings.output);
+        }
+        return std::make_unique<HeldExport>(gate, settings);
+    };
+}
+
+// What the subscriber saw, from whichever thread delivered it.
+struct Log {
+    std::mutex mutex;
+    std::vector<nlohmann::json> values;
+    std::exception_ptr error;
+    bool completed = false;
+    int ends = 0;
+    std::size_t valuesAtEnd = 0;
+
+    std::size_t valueCount() {
+        std::lock_guard<std::mutex> lock(mutex);
+        return values.size();
+    }
+    int endCount() {
+        std::lock_guard<std::mutex> lock(mutex);
+        return ends;
+    }
+};
+
+// Whether a controller of the runtime has work under way, told by its busy and idle signals,
+// and how often it became idle.
+struct Activity {
+    std::mutex mutex;
+    bool busy = false;
+    bool gone = false;
+    int idles = 0;
+
+    bool idle() {
+        std::lock_guard<std::mutex> lock(mutex);
+        return !busy || gone;
+    }
+    int idleCount() {
+        std::lock_guard<std::mutex> lock(mutex);
+        return idles;
+    }
+
+    template <class Controller> static std::shared_ptr<Activity> of(Controller* controller) {
+        auto activity = std::make_shared<Activity>();
+        QObject::connect(controller, &Controller::isBusy, [activity] {
+            std::lock_guard<std::mutex> lock(activity->mutex);
+            activity->busy = true;
+        });
+        QObject::connect(controller, &Controller::isIdle, [activity] {
+            std::lock_guard<std::mutex> lock(activity->mutex);
+            activity->busy = false;
+            ++activity->idles;
+        });
+        QObject::connect(controller, &QObject::destroyed, [activity] {
+            std::lock_guard<std::mutex> lock(activity->mutex);
+            activity->gone = true;
+        });
+        return activity;
+    }
+};
+
+} // namespace
+
+// Each row holds an export at a point of its life, lets two events happen to it and checks:
+// the stream ends once, as the first event says (not at all after a cancel); nothing is
+// delivered after that end; no export runs or keeps a temporary afterwards; the render-job
+// place is free for the next export; and the exports' shared state is let go.
+class ExportServiceLifecycleTest : public testing::TestWithParam<Row> {
+protected:
+    static constexpr std::chrono::seconds limit{10};
+
+    void SetUp() override {
+        ASSERT_TRUE(packages.isValid());
+        ASSERT_TRUE(outputs.isValid());
+        Package::setPackageDirectory(packages.path());
+    }
+    void TearDown() override {
+        // A failed row may leave an export at the gate, which the runtime's end waits for.
+        gate->open(Gate::Release::Fail);
+        provider.reset();
+        Package::setPackageDirectory(QString());
+    }
+
+    void startRuntime(int renderJobs) {
+        provider.emplace(QStringList{"app", QStringLiteral("--render-jobs=%1").arg(renderJobs)});
+        provider->require(GlobalContextProvider::Media);
+        ASSERT_TRUE(Task::Controller::instance());
+        ASSERT_TRUE(Media::FileController::instance());
+        tasks = Activity::of(Task::Controller::instance());
+        parses = Activity::of(Media::FileController::instance());
+    }
+
+    QString output(const QString& name = QStringLiteral("out.mp4")) const {
+        return outputs.filePath(name);
+    }
+    QStringList files() const { return QDir(outputs.path()).entryList(QDir::Files, QDir::Name); }
+
+    // The export as the host runs it: the service is gone once the stream is made.
+    rxcpp::observable<nlohmann::json> exportTo(const QString& path) const {
+        ExportService service(heldExports(gate));
+        return service.run(QStringList{"app", QString::fromStdString(mediaFixture("h264_aac.mp4")),
+                                       "--output=" + path});
+    }
+
+    void subscribe(const rxcpp::observable<nlohmann::json>& stream) {
+        const auto seen = log;
+        stream.subscribe(
+            lifetime,
+            [seen](const nlohmann::json& value) {
+                std::lock_guard<std::mutex> lock(seen->mutex);
+                seen->values.push_back(value);
+            },
+            [seen](std::exception_ptr error) {
+                std::lock_guard<std::mutex> lock(seen->mutex);
+                seen->error = error;
+                ++seen->ends;
+                seen->valuesAtEnd = seen->values.size();
+            },
+            [seen] {
+                std::lock_guard<std::mutex> lock(seen->mutex);
+                seen->completed = true;
+                ++seen->ends;
+                seen->valuesAtEnd = seen->values.size();
+            });
+    }
+
+    // Runs an export to its end; false when it does not end.
+    bool exportsToItsEnd(const QString& path) {
+        rxcpp::composite_subscription subscription;
+        auto ended = std::make_shared<std::atomic<bool>>(false);
+        exportTo(path).subscribe(
+            subscription, [](const nlohmann::json&) {}, [ended](std::exception_ptr) {},
+            [ended] { *ended = true; });
+        return settleUntil([&] { return ended->load(); });
+    }
+
+    // Runs the main thread's loop and the time limit's due actions until `done` holds.
+    bool settleUntil(const std::function<bool()>& done) {
+        return spinUntil([&] {
+            timer->advanceBy(0ms);
+            return done();
+        });
+    }
+
+    // Until no export is on its way: `holders` wait at the gate, every other has ended, and
+    // no task but theirs is under way.
+    bool settled(int holders) {
+        return settleUntil([this, holders] {
+            std::lock_guard<std::mutex> lock(gate->mutex);
+            return gate->holding == holders && gate->running == holders
+                   && (holders > 0 || tasks->idle());
+        });
+    }
+
+    void happen(Event event, const Row& row) {
+        // Only the export that holds the place while the one under test waits stays held.
+        const int holders = row.runs() || event == Event::Finish || event == Event::Fail
+                                    || event == Event::RuntimeGone
+                                ? 0
+                                : gate->count(&Gate::holding);
+        switch (event) {
+        case Event::Finish:
+            gate->open(Gate::Release::Finish);
+            break;
+        case Event::Fail:
+            gate->open(Gate::Release::Fail);
+            break;
+        case Event::Cancel:
+            valuesAtCancel = log->valueCount();
+            lifetime.unsubscribe();
+            break;
+        case Event::Expire:
+            // A progress value that crosses the timer's advance re-arms it; advancing again
+            // expires it, still without a real wait.
+            timer->advanceBy(limit);
+            for (int tries = 0; row.first == Event::Expire && log->endCount() == 0 && tries < 100;
+                 ++tries)
+                timer->advanceBy(limit);
+            break;
+        case Event::RuntimeGone:
+            ExportService::cancelAll();
+            provider.reset();
+            break;
+        }
+        ASSERT_TRUE(settled(holders)) << nameOf(event);
+    }
+
+    QTemporaryDir packages;
+    QTemporaryDir outputs;
+    std::optional<GlobalContextProvider> provider;
+    std::shared_ptr<Gate> gate = std::make_shared<Gate>();
+    std::shared_ptr<Activity> tasks;
+    std::shared_ptr<Activity> parses;
+    std::shared_ptr<ManualScheduler> timer = std::make_shared<ManualScheduler>();
+    rxcpp::composite_subscription lifetime;
+    std::shared_ptr<Log> log = std::make_shared<Log>();
+    std::size_t valuesAtCancel = 0;
+    std::shared_ptr<std::atomic<int>> expiries = std::make_shared<std::atomic<int>>(0);
+};
+
+TEST_P(ExportServiceLifecycleTest, TheFirstEventEndsTheStreamOnceAndNothingOutlivesIt) {
+    const Row row = GetParam();
+    startRuntime(row.renderJobs);
+    ASSERT_FALSE(HasFatalFailure());
+    rxcpp::composite_subscription blocking;
+    if (!row.runs()) {
+        exportTo(output("blocking.mp4"))
+            .subscribe(
+                blocking, [](const nlohmann::json&) {}, [](std::exception_ptr) {});
+        ASSERT_TRUE(settleUntil([this] { return gate->count(&Gate::holding) == 1; }));
+        ASSERT_TRUE(settleUntil([this] { return parses->idle(); }));
+    }
+    const int parsed = parses->idleCount();
+    {
+        auto stream = exportTo(output());
+        if (row.involves(Event::Expire)) {
+            const rxcpp::observe_on_one_worker onTimer{rxcpp::schedulers::scheduler(timer)};
+            const auto expired = expiries;
+            stream = EditorService::limitOnSilence(
+                stream, limit, [expired] { ++*expired; }, onTimer, onTimer);
+        }
+        subscribe(stream);
+    }
+    if (row.runs()) {
+        ASSERT_TRUE(settleUntil([this] { return gate->count(&Gate::holding) == 1; }));
+        EXPECT_TRUE(gate->temporaryListed);
+    } else {
+        // Its input parsed, it waits in the place's queue.
+        ASSERT_TRUE(settleUntil([&] { return parses->idleCount() > parsed; }));
+    }
+    EXPECT_EQ(log->endCount(), 0);
+
+    happen(row.first, row);
+    ASSERT_FALSE(HasFatalFailure());
+    const std::size_t valuesAtFirst = log->valueCount();
+    happen(row.second, row);
+    ASSERT_FALSE(HasFatalFailure());
+
+    {
+        std::lock_guard<std::mutex> lock(log->mutex);
+        switch (row.first) {
+        case Event::Finish:
+            EXPECT_TRUE(log->completed);
+            ASSERT_FALSE(log->values.empty());
+            EXPECT_EQ(log->values.back().at("export").at("done"), true);
+            break;
+        case Event::Fail:
+            EXPECT_THAT(log->error, FailedWith<std::runtime_error>("No space left on device"));
+            break;
+        case Event::Cancel:
+            EXPECT_EQ(log->values.size(), valuesAtCancel);
+            break;
+        case Event::Expire:
+            EXPECT_THAT(log->error, FailedWith<rxcpp::timeout_error>("timeout has occurred"));
+            break;
+        case Event::RuntimeGone:
+            EXPECT_THAT(log->error, FailedWith<Export::ExportCancelled>("Export cancelled: "
+                                                                        + output().toStdString()));
+            break;
+        }
+        EXPECT_EQ(log->ends, row.first == Event::Cancel ? 0 : 1);
+        if (log->ends > 0) {
+            EXPECT_EQ(log->values.size(), log->valuesAtEnd);
+        }
+        EXPECT_EQ(log->values.size(), valuesAtFirst);
+    }
+    EXPECT_EQ(expiries->load(), row.first == Event::Expire ? 1 : 0);
+    EXPECT_EQ(QFile::exists(output()), row.runs() && row.first == Event::Finish);
+
+    // The place is free again: the next export takes it and ends (the one that held it too,
+    // let through). The export that waited and was let go before never started.
+    if (provider) {
+        gate->open(Gate::Release::Finish);
+        ASSERT_TRUE(exportsToItsEnd(output("next.mp4")));
+        EXPECT_TRUE(QFile::exists(output("next.mp4")));
+        const auto made = gate->outputsMade();
+        ASSERT_FALSE(made.empty());
+        EXPECT_EQ(made.back(), output("next.mp4").toStdString());
+        EXPECT_EQ(std::count(made.begin(), made.end(), output().toStdString()), row.runs() ? 1 : 0);
+    }
+    EXPECT_EQ(gate->count(&Gate::running), 0);
+    EXPECT_TRUE(Velmor::Temporaries::paths().empty());
+    EXPECT_TRUE(files().filter(".reelsmith-partial").isEmpty()) << files().join(' ').toStdString();
+
+    // Whatever held the exports' factory, and with it the gate, has let go.
+    lifetime.unsubscribe();
+    blocking.unsubscribe();
+    EXPECT_TRUE(settleUntil([this] { return gate.use_count() == 1; })) << gate.use_count();
+}
+
+INSTANTIATE_TEST_SUITE_P(Running, ExportServiceLifecycleTest, testing::ValuesIn(whileRunning()),
+                         rowName);
+INSTANTIATE_TEST_SUITE_P(WaitingForAPlace, ExportServiceLifecycleTest,
+                         testing::ValuesIn(whileWaiting()), rowName);
