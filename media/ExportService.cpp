@@ -36,6 +36,9 @@ struct ExportState {
 
     std::mutex mutex;
     bool cancelled = false;
+    // Until its task takes it, an export waits for its input's parse or for a render-job place,
+    // and nothing else would end its stream when it is cancelled there.
+    bool started = false;
     std::shared_ptr<ExportRun> running;
 
     ExportState(ExportRequest request, ExportRunFactory exports, rxcpp::subscriber<Json> subscriber)
@@ -48,15 +51,30 @@ struct ExportState {
         return cancelled;
     }
 
+    // A waiting export ends at once; a running one ends when its run gives up. Cancelled by
+    // its own unsubscription, the error reaches nobody.
     void cancel() {
         std::shared_ptr<ExportRun> run;
+        bool waiting = false;
         {
             std::lock_guard<std::mutex> lock(mutex);
+            waiting = !started && !cancelled;
             cancelled = true;
             run = running;
         }
         if (run)
             run->cancel();
+        if (waiting) {
+            subscriber.on_error(std::make_exception_ptr(
+                Export::ExportCancelled("Export cancelled: " + request.output.toStdString())));
+        }
+    }
+
+    // False when cancelled already: the export then never starts.
+    bool start() {
+        std::lock_guard<std::mutex> lock(mutex);
+        started = !cancelled;
+        return started;
     }
 
     // False when cancelled already: the run then never starts.
@@ -182,6 +200,10 @@ Json doneValue(const Export::ExportSettings& settings, const Export::ExportResul
 // gives back when it completes.
 void encode(const std::shared_ptr<ExportState>& state, const Export::ExportSettings& settings,
             qint64 startedMs, const rxcpp::subjects::subject<int>& place) {
+    if (!state->start()) {
+        place.get_subscriber().on_completed();
+        return;
+    }
     std::exception_ptr failure;
     Export::ExportResult result;
     std::string temporary;

@@ -109,11 +109,10 @@ std::vector<Row> whileRunning() {
 }
 
 // An export that waits can not finish or fail itself: there Finish and Fail are those of the
-// export that holds the place, which frees it. The host stopping first is left out: an export
-// still waiting for a place gets no end when the runtime goes.
+// export that holds the place, which frees it.
 std::vector<Row> whileWaiting() {
     std::vector<Row> rows;
-    for (const Event first : {Event::Cancel, Event::Expire}) {
+    for (const Event first : {Event::Cancel, Event::Expire, Event::RuntimeGone}) {
         for (const Event second : everyEvent) {
             if (first != second)
                 rows.push_back({Phase::WaitingForAPlace, first, second, 1});
