@@ -6,6 +6,7 @@
 #include "platform/package/PackageDirectory.h"
 #include "service/contexts/GlobalContextProvider.h"
 #include "service/services/LimitOnSilence.h"
+#include "tests/media/LifecycleTable.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/FailedWith.h"
 #include "tests/support/ManualScheduler.h"
@@ -32,35 +33,15 @@ using EditorService::Testing::FailedWith;
 using EditorService::Testing::ManualScheduler;
 using EditorService::Testing::mediaFixture;
 using EditorService::Testing::spinUntil;
+using EditorService::Testing::Lifecycle::Activity;
+using EditorService::Testing::Lifecycle::Event;
+using EditorService::Testing::Lifecycle::everyEvent;
+using EditorService::Testing::Lifecycle::Log;
+using EditorService::Testing::Lifecycle::nameOf;
+using EditorService::Testing::Lifecycle::record;
 using namespace std::chrono_literals;
 
 namespace {
-
-// What can happen to an export. Every row of the table lets two of them happen, one
-// after the other; the first decides how the stream ends.
-enum class Event {
-    Finish,      // the export finishes
-    Fail,        // the export fails
-    Cancel,      // the subscriber unsubscribes
-    Expire,      // a time limit on silence expires
-    RuntimeGone, // the host stops: it cancels every export and destroys the runtime
-};
-
-const char* nameOf(Event event) {
-    switch (event) {
-    case Event::Finish:
-        return "Finish";
-    case Event::Fail:
-        return "Fail";
-    case Event::Cancel:
-        return "Cancel";
-    case Event::Expire:
-        return "Expire";
-    case Event::RuntimeGone:
-        return "RuntimeGone";
-    }
-    return "?";
-}
 
 // Where the export is when the events happen.
 enum class Phase {
@@ -91,9 +72,6 @@ std::string rowName(const testing::TestParamInfo<Row>& info) {
            + nameOf(info.param.second) + "With" + std::to_string(info.param.renderJobs)
            + "RenderJobs";
 }
-
-const Event everyEvent[] = {Event::Finish, Event::Fail, Event::Cancel, Event::Expire,
-                            Event::RuntimeGone};
 
 std::vector<Row> whileRunning() {
     std::vector<Row> rows;
@@ -238,61 +216,6 @@ ExportRunFactory heldExports(const std::shared_ptr<Gate>& gate) {
     };
 }
 
-// What the subscriber saw, from whichever thread delivered it.
-struct Log {
-    std::mutex mutex;
-    std::vector<nlohmann::json> values;
-    std::exception_ptr error;
-    bool completed = false;
-    int ends = 0;
-    std::size_t valuesAtEnd = 0;
-
-    std::size_t valueCount() {
-        std::lock_guard<std::mutex> lock(mutex);
-        return values.size();
-    }
-    int endCount() {
-        std::lock_guard<std::mutex> lock(mutex);
-        return ends;
-    }
-};
-
-// Whether a controller of the runtime has work under way, told by its busy and idle signals,
-// and how often it became idle.
-struct Activity {
-    std::mutex mutex;
-    bool busy = false;
-    bool gone = false;
-    int idles = 0;
-
-    bool idle() {
-        std::lock_guard<std::mutex> lock(mutex);
-        return !busy || gone;
-    }
-    int idleCount() {
-        std::lock_guard<std::mutex> lock(mutex);
-        return idles;
-    }
-
-    template <class Controller> static std::shared_ptr<Activity> of(Controller* controller) {
-        auto activity = std::make_shared<Activity>();
-        QObject::connect(controller, &Controller::isBusy, [activity] {
-            std::lock_guard<std::mutex> lock(activity->mutex);
-            activity->busy = true;
-        });
-        QObject::connect(controller, &Controller::isIdle, [activity] {
-            std::lock_guard<std::mutex> lock(activity->mutex);
-            activity->busy = false;
-            ++activity->idles;
-        });
-        QObject::connect(controller, &QObject::destroyed, [activity] {
-            std::lock_guard<std::mutex> lock(activity->mutex);
-            activity->gone = true;
-        });
-        return activity;
-    }
-};
-
 } // namespace
 
 // Each row holds an export at a point of its life, lets two events happen to it and checks:
@@ -337,25 +260,7 @@ protected:
     }
 
     void subscribe(const rxcpp::observable<nlohmann::json>& stream) {
-        const auto seen = log;
-        stream.subscribe(
-            lifetime,
-            [seen](const nlohmann::json& value) {
-                std::lock_guard<std::mutex> lock(seen->mutex);
-                seen->values.push_back(value);
-            },
-            [seen](std::exception_ptr error) {
-                std::lock_guard<std::mutex> lock(seen->mutex);
-                seen->error = error;
-                ++seen->ends;
-                seen->valuesAtEnd = seen->values.size();
-            },
-            [seen] {
-                std::lock_guard<std::mutex> lock(seen->mutex);
-                seen->completed = true;
-                ++seen->ends;
-                seen->valuesAtEnd = seen->values.size();
-            });
+        record(stream, lifetime, log);
     }
 
     // Runs an export to its end; false when it does not end.
