@@ -58,6 +58,7 @@ TEST(ProbeRequestTest, TheCommandLineFormRoundTrips) {
 TEST(ProbeRequestTest, HelpDescribesTheServiceAndItsPathOption) {
     ProbeRequest::Serializer serializer;
     const auto failure = failureOf([&] { serializer.loadFromCli({"probe", "--help"}); });
+    ASSERT_TRUE(failure);
     EXPECT_THROW(std::rethrow_exception(failure), EditorService::CLI::HelpException);
     const std::string help = failureText(failure);
     EXPECT_NE(help.find("Describe a media file"), std::string::npos) << help;

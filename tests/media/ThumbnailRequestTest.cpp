@@ -111,6 +111,7 @@ TEST(ThumbnailRequestTest, BothFormsRoundTrip) {
 
 TEST(ThumbnailRequestTest, HelpDescribesTheServiceAndEveryOption) {
     const auto failure = fromCli({"--help"});
+    ASSERT_TRUE(failure);
     EXPECT_THROW(std::rethrow_exception(failure), EditorService::CLI::HelpException);
     const std::string help = failureText(failure);
     for (const char* expected :

@@ -26,6 +26,7 @@ TEST(EchoServiceTest, NoArgumentsGiveAnEmptyList) {
 TEST(EchoServiceTest, HelpAloneIsHelpAndAmongOthersIsEchoed) {
     EchoService service;
     const auto help = collectToEnd(service.run(QStringList{"app", "--help"}));
+    ASSERT_TRUE(help->error);
     EXPECT_THROW(std::rethrow_exception(help->error), EditorService::CLI::HelpException);
     EXPECT_EQ(failureText(help->error).rfind("Usage: reelsmith echo", 0), 0u);
     const auto echoed = collectToEnd(service.run(QStringList{"app", "x", "--help"}));

@@ -261,6 +261,7 @@ TEST_F(ShardServiceTest, MissingPathFailsWithError) {
 
 TEST_F(ShardServiceTest, HelpNamesTheOptionsAndTheUsage) {
     const auto part = runShard({"--help"});
+    ASSERT_TRUE(part->error);
     EXPECT_THROW(std::rethrow_exception(part->error), CLI::HelpException);
     const std::string help = failureText(part->error);
     for (const char* expected : {"--index <K>", "--count <N>", "--jobs, -j <N>",

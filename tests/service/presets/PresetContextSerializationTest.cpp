@@ -170,6 +170,7 @@ TEST(PresetContextSerializationTest, JsonOfTheWrongKindIsRefused) {
 
 TEST(PresetContextSerializationTest, HelpListsTheOptions) {
     const auto failure = cliFailure({"--help"});
+    ASSERT_TRUE(failure);
     EXPECT_THROW(std::rethrow_exception(failure), EditorService::CLI::HelpException);
     const std::string help = failureText(failure);
     EXPECT_NE(help.find("--preset-resize-fill-mode <preset-resize-mode>"), std::string::npos);

@@ -269,6 +269,7 @@ TEST(RequestInputArchiveTest, HelpIsTestedBeforeAnyFieldIsRead) {
         archive >> request;
     });
 
+    ASSERT_TRUE(result);
     EXPECT_THROW(std::rethrow_exception(result), HelpException);
     EXPECT_EQ(request.limit, 99);
     EXPECT_EQ(log, (std::vector<std::string>{"description", "additionalHelp"}));

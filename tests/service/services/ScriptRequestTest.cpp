@@ -95,6 +95,7 @@ TEST(ScriptRequestTest, JobsOptionIsBuiltOnceAndShared) {
 
 TEST(ScriptRequestTest, HelpWithoutPathRaisesTheHelpTextAndNotThePathError) {
     const auto failure = failureOf([&] { loadFromCli({"app", "--help"}); });
+    ASSERT_TRUE(failure);
     EXPECT_THROW(std::rethrow_exception(failure), CLI::HelpException);
     const QString text = QString::fromStdString(failureText(failure));
     EXPECT_TRUE(text.contains(QStringLiteral("Execute commands from script")));

@@ -120,6 +120,7 @@ TEST_F(TimeoutRequestSerializerTest, DefaultConstructedSerializerCanBeMovedFrom)
 TEST_F(TimeoutRequestSerializerTest, HelpComesFromWrappedSerializerWithoutTheLimitsOption) {
     const QStringList arguments{"app-path-stub", "--help"};
     const auto wrapped = failureOf([&] { ScriptRequest::Serializer().loadFromCli(arguments); });
+    ASSERT_TRUE(wrapped);
     EXPECT_THROW(std::rethrow_exception(wrapped), CLI::HelpException);
     const std::string wrappedHelp = failureText(wrapped);
 
@@ -133,6 +134,7 @@ TEST_F(TimeoutRequestSerializerTest, HelpAmongBadArgumentsStillShowsWrappedHelp)
     const auto failure = failureOf([&] {
         probeSerializer.loadFromCli({"--level=-1", "--timeout=abc", "--help"});
     });
+    ASSERT_TRUE(failure);
     EXPECT_THROW(std::rethrow_exception(failure), CLI::HelpException);
     const std::string text = failureText(failure);
     EXPECT_NE(text.find("--level, -l <n>"), std::string::npos);
