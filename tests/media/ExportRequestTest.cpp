@@ -1,11 +1,15 @@
 #include "media/ExportRequest.h"
 
 #include "service/api/Error.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using EditorService::Error;
 using EditorService::ExportRequest;
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureOf;
 
 namespace {
 
@@ -19,13 +23,8 @@ ExportRequest fromJson(const nlohmann::json& value) {
     return dynamic_cast<const ExportRequest&>(*loaded);
 }
 
-std::string loadError(const QStringList& arguments) {
-    try {
-        fromCli(arguments);
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no error";
+std::exception_ptr loadError(const QStringList& arguments) {
+    return failureOf([&] { fromCli(arguments); });
 }
 
 } // namespace
@@ -83,26 +82,27 @@ TEST(ExportRequestTest, ARequestWrittenToTheCommandLineReadsBackTheSame) {
 }
 
 TEST(ExportRequestTest, WithoutAnInputItFailsNamingTheMissingFile) {
-    EXPECT_EQ(loadError({"--output=out.mp4"}),
-              "No media file specified, try --help for all available options");
+    EXPECT_THAT(loadError({"--output=out.mp4"}),
+                FailedWith<Error>("No media file specified, try --help for all available options"));
 }
 
 TEST(ExportRequestTest, WithoutAnOutputItFailsNamingTheMissingOutput) {
-    EXPECT_EQ(loadError({"in.mp4"}),
-              "No output file specified, try --help for all available options");
+    EXPECT_THAT(
+        loadError({"in.mp4"}),
+        FailedWith<Error>("No output file specified, try --help for all available options"));
 }
 
 TEST(ExportRequestTest, ARangeThatEndsBeforeItStartsFails) {
-    EXPECT_EQ(loadError({"in.mp4", "--output=out.mp4", "--range=5000:2000"}),
-              "--range must end after it starts, is 5000:2000");
+    EXPECT_THAT(loadError({"in.mp4", "--output=out.mp4", "--range=5000:2000"}),
+                FailedWith<Error>("--range must end after it starts, is 5000:2000"));
 }
 
 TEST(ExportRequestTest, ARangeThatIsNoRangeFailsWithTheFormsWords) {
-    EXPECT_EQ(loadError({"in.mp4", "--output=out.mp4", "--range=soon"}),
-              "Can not parse range \"soon\", expects \"ms:ms\"");
+    EXPECT_THAT(loadError({"in.mp4", "--output=out.mp4", "--range=soon"}),
+                FailedWith<Error>("Can not parse range \"soon\", expects \"ms:ms\""));
 }
 
 TEST(ExportRequestTest, OverwriteAndSkipExistingTogetherFail) {
-    EXPECT_EQ(loadError({"in.mp4", "--output=out.mp4", "--overwrite", "--skip-existing"}),
-              "--overwrite and --skip-existing can not be given together");
+    EXPECT_THAT(loadError({"in.mp4", "--output=out.mp4", "--overwrite", "--skip-existing"}),
+                FailedWith<Error>("--overwrite and --skip-existing can not be given together"));
 }

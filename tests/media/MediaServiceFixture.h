@@ -3,7 +3,8 @@
 #include "platform/foundation/CallLog.h"
 #include "platform/package/PackageDirectory.h"
 #include "service/contexts/GlobalContextProvider.h"
-#include "tests/host/services/Collect.h"
+#include "tests/support/Collect.h"
+#include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
 #include <QTemporaryDir>
@@ -50,19 +51,6 @@ protected:
     static int countOf(const std::string& entry) {
         const auto entries = Velmor::Testing::CallLog::entries();
         return static_cast<int>(std::count(entries.begin(), entries.end(), entry));
-    }
-
-    // The stream's failure: its text when it is an E, else marked as of another type.
-    template <class E> static std::string failureOf(const std::shared_ptr<Collected>& collected) {
-        if (!collected->error)
-            return "no failure";
-        try {
-            std::rethrow_exception(collected->error);
-        } catch (const E& error) {
-            return error.what();
-        } catch (const std::exception& error) {
-            return std::string("of another type: ") + error.what();
-        }
     }
 
     std::optional<GlobalContextProvider> provider;

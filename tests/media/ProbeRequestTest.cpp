@@ -1,13 +1,17 @@
 #include "media/ProbeRequest.h"
 
 #include "service/api/Error.h"
-#include "tests/media/LoadFailure.h"
+#include "service/api/HelpException.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using EditorService::Error;
 using EditorService::ProbeRequest;
+using EditorService::Testing::FailedWith;
 using EditorService::Testing::failureOf;
+using EditorService::Testing::failureText;
 
 namespace {
 
@@ -53,33 +57,31 @@ TEST(ProbeRequestTest, TheCommandLineFormRoundTrips) {
 
 TEST(ProbeRequestTest, HelpDescribesTheServiceAndItsPathOption) {
     ProbeRequest::Serializer serializer;
-    const std::string failure = failureOf([&] { serializer.loadFromCli({"probe", "--help"}); });
-    EXPECT_EQ(failure.rfind("HelpException: ", 0), 0u) << failure;
-    EXPECT_NE(failure.find("Describe a media file"), std::string::npos) << failure;
-    EXPECT_NE(failure.find("--path <path>"), std::string::npos) << failure;
+    const auto failure = failureOf([&] { serializer.loadFromCli({"probe", "--help"}); });
+    ASSERT_TRUE(failure);
+    EXPECT_THROW(std::rethrow_exception(failure), EditorService::CLI::HelpException);
+    const std::string help = failureText(failure);
+    EXPECT_NE(help.find("Describe a media file"), std::string::npos) << help;
+    EXPECT_NE(help.find("--path <path>"), std::string::npos) << help;
 }
 
 TEST(ProbeRequestTest, WithoutAPathTheCommandLineFailsWithError) {
     ProbeRequest::Serializer serializer;
-    EXPECT_EQ(failureOf([&] { serializer.loadFromCli({"probe"}); }),
-              "Error: No media file specified, try --help for all available options");
-    EXPECT_EQ(failureOf([&] {
-                  serializer.loadFromCli({"probe", "--path="});
-              }),
-              "Error: No media file specified, try --help for all available options");
+    const auto noPath =
+        FailedWith<Error>("No media file specified, try --help for all available options");
+    EXPECT_THAT([&] { serializer.loadFromCli({"probe"}); }, noPath);
+    EXPECT_THAT([&] { serializer.loadFromCli({"probe", "--path="}); }, noPath);
 }
 
 TEST(ProbeRequestTest, WithoutAPathTheJsonFormFailsWithError) {
     ProbeRequest::Serializer serializer;
-    EXPECT_EQ(failureOf([&] { serializer.loadFromJson(nlohmann::json::object()); }),
-              "Error: No media file specified, try --help for all available options");
-    EXPECT_EQ(failureOf([&] {
-                  serializer.loadFromJson({{"path", ""}});
-              }),
-              "Error: No media file specified, try --help for all available options");
+    const auto noPath =
+        FailedWith<Error>("No media file specified, try --help for all available options");
+    EXPECT_THAT([&] { serializer.loadFromJson(nlohmann::json::object()); }, noPath);
+    EXPECT_THAT([&] { serializer.loadFromJson({{"path", ""}}); }, noPath);
 }
 
 TEST(ProbeRequestTest, ADefaultRequestIsInvalid) {
-    EXPECT_EQ(failureOf([] { ProbeRequest().validateOnLoad(); }),
-              "Error: No media file specified, try --help for all available options");
+    EXPECT_THAT([] { ProbeRequest().validateOnLoad(); },
+                FailedWith<Error>("No media file specified, try --help for all available options"));
 }

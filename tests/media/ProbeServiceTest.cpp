@@ -5,13 +5,15 @@
 #include "service/api/Error.h"
 #include "tests/media/MediaServiceFixture.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using EditorService::Error;
 using EditorService::ProbeService;
 using EditorService::Testing::Collected;
 using EditorService::Testing::collectToEnd;
-using EditorService::Testing::errorText;
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureText;
 using Velmor::AV::MediaError;
 using Velmor::Core::PluginError;
 
@@ -33,7 +35,7 @@ TEST_F(ProbeServiceTest, DescribesAFileAsOneValueWithExactlyItsKeys) {
     startProvider();
     const QString path = fixture("h264_aac.mp4");
     const auto collected = probe(path);
-    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
     EXPECT_TRUE(collected->completed);
     ASSERT_EQ(collected->values.size(), 1u);
     const nlohmann::json expected{{"probe",
@@ -69,7 +71,7 @@ TEST_F(ProbeServiceTest, DescribesAFileAsOneValueWithExactlyItsKeys) {
 TEST_F(ProbeServiceTest, AFileOfAudioOnlyHasAudioKeysOnly) {
     startProvider();
     const auto collected = probe(fixture("tone.wav"));
-    ASSERT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+    ASSERT_EQ(collected->values.size(), 1u) << failureText(collected->error);
     const auto& probed = collected->values[0]["probe"];
     EXPECT_EQ(probed["format"], "wav");
     EXPECT_EQ(probed["duration_ms"], 1000);
@@ -83,7 +85,7 @@ TEST_F(ProbeServiceTest, AFileOfAudioOnlyHasAudioKeysOnly) {
 TEST_F(ProbeServiceTest, APictureHasNoBitRate) {
     startProvider();
     const auto collected = probe(fixture("still.png"));
-    ASSERT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+    ASSERT_EQ(collected->values.size(), 1u) << failureText(collected->error);
     const auto& probed = collected->values[0]["probe"];
     EXPECT_EQ(probed["format"], "png_pipe");
     EXPECT_TRUE(probed["bit_rate"].is_null());
@@ -94,7 +96,7 @@ TEST_F(ProbeServiceTest, APictureHasNoBitRate) {
 TEST_F(ProbeServiceTest, StreamsNeitherVideoNorAudioHaveIndexTypeAndCodecOnly) {
     startProvider();
     const auto collected = probe(fixture("subtitles.mkv"));
-    ASSERT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+    ASSERT_EQ(collected->values.size(), 1u) << failureText(collected->error);
     const auto& streams = collected->values[0]["probe"]["streams"];
     ASSERT_EQ(streams.size(), 3u);
     EXPECT_EQ(streams[1],
@@ -109,7 +111,7 @@ TEST_F(ProbeServiceTest, TheRuntimeStartsOnlyWhenTheCommandRunsAndOnlyUpToMedia)
     EXPECT_EQ(countOf("CoreManager::Initialize"), 0);
     EXPECT_EQ(countOf("Connection::Synchronizer::Synchronizer"), 0);
     const auto collected = collectToEnd(stream);
-    ASSERT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+    ASSERT_EQ(collected->values.size(), 1u) << failureText(collected->error);
     EXPECT_EQ(countOf("CoreManager::Initialize"), 1);
     EXPECT_EQ(countOf("Connection::Synchronizer::Synchronizer"), 1);
     EXPECT_EQ(countOf("Composition::Controller::Controller"), 0);
@@ -123,7 +125,7 @@ TEST_F(ProbeServiceTest, EachRequestOfAStreamGivesItsValue) {
     list[1].path = fixture("vp9_opus.mkv");
     list[2].path = fixture("clip.mov");
     const auto collected = collectToEnd(service.run(EditorService::Testing::each(list)));
-    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
     EXPECT_TRUE(collected->completed);
     ASSERT_EQ(collected->values.size(), 3u);
     std::vector<std::string> formats;
@@ -139,25 +141,26 @@ TEST_F(ProbeServiceTest, AMissingFileFailsWithMediaErrorNamingItAndTheLibrarysRe
     const QString path = scratchFile("missing.mp4");
     const auto collected = probe(path);
     EXPECT_TRUE(collected->values.empty());
-    EXPECT_EQ(failureOf<MediaError>(collected),
-              "Can not open media file: " + path.toStdString() + ": No such file or directory");
+    EXPECT_THAT(collected->error,
+                FailedWith<MediaError>("Can not open media file: " + path.toStdString()
+                                       + ": No such file or directory"));
 }
 
 TEST_F(ProbeServiceTest, AFileThatIsNoMediaFailsWithMediaError) {
     startProvider();
     const QString path = fixture("notmedia.txt");
-    EXPECT_EQ(failureOf<MediaError>(probe(path)),
-              "Can not open media file: " + path.toStdString()
-                  + ": Invalid data found when processing input");
+    EXPECT_THAT(probe(path)->error,
+                FailedWith<MediaError>("Can not open media file: " + path.toStdString()
+                                       + ": Invalid data found when processing input"));
 }
 
 TEST_F(ProbeServiceTest, AnEmptyOrTruncatedFileFailsWithMediaError) {
     startProvider();
     for (const char* name : {"empty.mp4", "truncated.mp4"}) {
         const QString path = fixture(name);
-        EXPECT_EQ(failureOf<MediaError>(probe(path)),
-                  "Can not open media file: " + path.toStdString()
-                      + ": Invalid data found when processing input");
+        EXPECT_THAT(probe(path)->error,
+                    FailedWith<MediaError>("Can not open media file: " + path.toStdString()
+                                           + ": Invalid data found when processing input"));
     }
 }
 
@@ -165,26 +168,28 @@ TEST_F(ProbeServiceTest, ADirectoryFailsWithMediaError) {
     startProvider();
     const QString path = scratchFile("");
     const auto collected = probe(path);
-    EXPECT_EQ(failureOf<MediaError>(collected),
-              "Can not open media file: " + path.toStdString() + ": Is a directory");
+    EXPECT_THAT(collected->error,
+                FailedWith<MediaError>("Can not open media file: " + path.toStdString()
+                                       + ": Is a directory"));
 }
 
 TEST_F(ProbeServiceTest, WithDecodersDisabledProbingFailsWithPluginError) {
     startProvider({"--disable-plugin=DecodersFF"});
-    EXPECT_EQ((failureOf<PluginError>(probe(fixture("h264_aac.mp4")))),
-              "Can not read media: the plug-in DecodersFF is disabled");
+    EXPECT_THAT(probe(fixture("h264_aac.mp4"))->error,
+                FailedWith<PluginError>("Can not read media: the plug-in DecodersFF is disabled"));
 }
 
 TEST_F(ProbeServiceTest, WithEncodersDisabledProbingStillWorks) {
     startProvider({"--disable-plugin=EncodersFF"});
     const auto collected = probe(fixture("h264_aac.mp4"));
-    EXPECT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+    EXPECT_EQ(collected->values.size(), 1u) << failureText(collected->error);
 }
 
 TEST_F(ProbeServiceTest, WithoutAProviderTheStreamFailsWithErrorAndStartsNothing) {
     const auto collected = probe(fixture("h264_aac.mp4"));
     EXPECT_TRUE(collected->values.empty());
-    EXPECT_EQ(failureOf<Error>(collected), "No runtime: the process has no GlobalContextProvider");
+    EXPECT_THAT(collected->error,
+                FailedWith<Error>("No runtime: the process has no GlobalContextProvider"));
     EXPECT_EQ(countOf("CoreManager::Initialize"), 0);
 }
 
@@ -192,8 +197,8 @@ TEST_F(ProbeServiceTest, AnInvalidCommandLineFailsBeforeAnythingStarts) {
     startProvider();
     ProbeService service;
     const auto collected = collectToEnd(service.run(QStringList{"probe"}));
-    EXPECT_EQ(failureOf<Error>(collected),
-              "No media file specified, try --help for all available options");
+    EXPECT_THAT(collected->error,
+                FailedWith<Error>("No media file specified, try --help for all available options"));
     EXPECT_EQ(countOf("CoreManager::Initialize"), 0);
 }
 

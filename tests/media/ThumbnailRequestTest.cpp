@@ -1,13 +1,17 @@
 #include "media/ThumbnailRequest.h"
 
 #include "service/api/Error.h"
-#include "tests/media/LoadFailure.h"
+#include "service/api/HelpException.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using EditorService::Error;
 using EditorService::ThumbnailRequest;
+using EditorService::Testing::FailedWith;
 using EditorService::Testing::failureOf;
+using EditorService::Testing::failureText;
 using Velmor::Proc::SettingsResizer;
 
 namespace {
@@ -16,12 +20,12 @@ const ThumbnailRequest& thumbnail(const std::unique_ptr<EditorService::Request>&
     return dynamic_cast<const ThumbnailRequest&>(*request);
 }
 
-std::string fromCli(QStringList arguments) {
+std::exception_ptr fromCli(QStringList arguments) {
     arguments.prepend(QStringLiteral("thumbnail"));
     return failureOf([&] { ThumbnailRequest::Serializer().loadFromCli(arguments); });
 }
 
-std::string fromJson(const nlohmann::json& value) {
+std::exception_ptr fromJson(const nlohmann::json& value) {
     return failureOf([&] { ThumbnailRequest::Serializer().loadFromJson(value); });
 }
 
@@ -106,8 +110,10 @@ TEST(ThumbnailRequestTest, BothFormsRoundTrip) {
 }
 
 TEST(ThumbnailRequestTest, HelpDescribesTheServiceAndEveryOption) {
-    const std::string help = fromCli({"--help"});
-    EXPECT_EQ(help.rfind("HelpException: ", 0), 0u) << help;
+    const auto failure = fromCli({"--help"});
+    ASSERT_TRUE(failure);
+    EXPECT_THROW(std::rethrow_exception(failure), EditorService::CLI::HelpException);
+    const std::string help = failureText(failure);
     for (const char* expected :
          {"Write the frame on screen at a time of a video as a PNG picture", "--path <path>",
           "--output <file.png>", "--at <ms>", "--preset-frame-size", "--preset-resize-fill-mode"})
@@ -115,59 +121,63 @@ TEST(ThumbnailRequestTest, HelpDescribesTheServiceAndEveryOption) {
 }
 
 TEST(ThumbnailRequestTest, WithoutAPathLoadingFailsWithError) {
-    EXPECT_EQ(fromCli({"--output=t.png"}),
-              "Error: No media file specified, try --help for all available options");
-    EXPECT_EQ(fromJson({{"output", "t.png"}}),
-              "Error: No media file specified, try --help for all available options");
+    EXPECT_THAT(fromCli({"--output=t.png"}),
+                FailedWith<Error>("No media file specified, try --help for all available options"));
+    EXPECT_THAT(fromJson({{"output", "t.png"}}),
+                FailedWith<Error>("No media file specified, try --help for all available options"));
 }
 
 TEST(ThumbnailRequestTest, WithoutAnOutputLoadingFailsWithError) {
-    EXPECT_EQ(fromCli({"clip.mp4"}),
-              "Error: No output file specified, try --help for all available options");
-    EXPECT_EQ(fromCli({"clip.mp4", "--output="}),
-              "Error: No output file specified, try --help for all available options");
-    EXPECT_EQ(fromJson({{"path", "clip.mp4"}}),
-              "Error: No output file specified, try --help for all available options");
+    EXPECT_THAT(
+        fromCli({"clip.mp4"}),
+        FailedWith<Error>("No output file specified, try --help for all available options"));
+    EXPECT_THAT(
+        fromCli({"clip.mp4", "--output="}),
+        FailedWith<Error>("No output file specified, try --help for all available options"));
+    EXPECT_THAT(
+        fromJson({{"path", "clip.mp4"}}),
+        FailedWith<Error>("No output file specified, try --help for all available options"));
 }
 
 TEST(ThumbnailRequestTest, ANegativeTimeFailsWithError) {
-    EXPECT_EQ(fromCli({"clip.mp4", "--output=t.png", "--at=-5"}),
-              "Error: --at must not be negative, is -5");
-    EXPECT_EQ(fromJson({{"path", "clip.mp4"}, {"output", "t.png"}, {"at", -5}}),
-              "Error: --at must not be negative, is -5");
+    EXPECT_THAT(fromCli({"clip.mp4", "--output=t.png", "--at=-5"}),
+                FailedWith<Error>("--at must not be negative, is -5"));
+    EXPECT_THAT(fromJson({{"path", "clip.mp4"}, {"output", "t.png"}, {"at", -5}}),
+                FailedWith<Error>("--at must not be negative, is -5"));
 }
 
 TEST(ThumbnailRequestTest, AnEmptyFrameSizeFailsWithError) {
-    EXPECT_EQ(fromCli({"clip.mp4", "--output=t.png", "--preset-frame-size=0:0"}),
-              "Error: Frame size must be at least 1:1, is 0:0");
-    EXPECT_EQ(fromCli({"clip.mp4", "--output=t.png", "--preset-frame-size=160:0"}),
-              "Error: Frame size must be at least 1:1, is 160:0");
-    EXPECT_EQ(fromJson({{"path", "clip.mp4"}, {"output", "t.png"}, {"preset-frame-size", "0:0"}}),
-              "Error: Frame size must be at least 1:1, is 0:0");
+    EXPECT_THAT(fromCli({"clip.mp4", "--output=t.png", "--preset-frame-size=0:0"}),
+                FailedWith<Error>("Frame size must be at least 1:1, is 0:0"));
+    EXPECT_THAT(fromCli({"clip.mp4", "--output=t.png", "--preset-frame-size=160:0"}),
+                FailedWith<Error>("Frame size must be at least 1:1, is 160:0"));
+    EXPECT_THAT(fromJson({{"path", "clip.mp4"}, {"output", "t.png"}, {"preset-frame-size", "0:0"}}),
+                FailedWith<Error>("Frame size must be at least 1:1, is 0:0"));
 }
 
 TEST(ThumbnailRequestTest, AFrameSizeThatDoesNotParseFailsWithThePresetOptionsText) {
-    EXPECT_EQ(fromCli({"clip.mp4", "--output=t.png", "--preset-frame-size=abc"}),
-              "Error: Can not parse frame size \"abc\", expects \"width:height\"");
-    EXPECT_EQ(fromJson({{"path", "clip.mp4"}, {"output", "t.png"}, {"preset-frame-size", "1x1"}}),
-              "Error: Can not parse frame size \"1x1\", expects \"width:height\"");
+    EXPECT_THAT(fromCli({"clip.mp4", "--output=t.png", "--preset-frame-size=abc"}),
+                FailedWith<Error>("Can not parse frame size \"abc\", expects \"width:height\""));
+    EXPECT_THAT(fromJson({{"path", "clip.mp4"}, {"output", "t.png"}, {"preset-frame-size", "1x1"}}),
+                FailedWith<Error>("Can not parse frame size \"1x1\", expects \"width:height\""));
 }
 
 TEST(ThumbnailRequestTest, AnUnknownFillModeFailsWithThePresetOptionsText) {
-    const std::string expected = "Error: Can not parse preset resize mode \"fit\", expects one of "
-                                 "Fit,Fill,Stretch,FitWidth,FitHeight,Center";
-    EXPECT_EQ(fromCli({"clip.mp4", "--output=t.png", "--preset-resize-fill-mode=fit"}), expected);
-    EXPECT_EQ(
+    const auto expected =
+        FailedWith<Error>("Can not parse preset resize mode \"fit\", expects one of "
+                          "Fit,Fill,Stretch,FitWidth,FitHeight,Center");
+    EXPECT_THAT(fromCli({"clip.mp4", "--output=t.png", "--preset-resize-fill-mode=fit"}), expected);
+    EXPECT_THAT(
         fromJson({{"path", "clip.mp4"}, {"output", "t.png"}, {"preset-resize-fill-mode", "fit"}}),
         expected);
 }
 
 TEST(ThumbnailRequestTest, ATimeThatIsNoNumberFailsToParse) {
-    EXPECT_EQ(fromCli({"clip.mp4", "--output=t.png", "--at=abc"}),
-              "other: Can not parse \"abc\" as long long");
+    EXPECT_THAT(fromCli({"clip.mp4", "--output=t.png", "--at=abc"}),
+                FailedWith<std::runtime_error>("Can not parse \"abc\" as long long"));
 }
 
 TEST(ThumbnailRequestTest, ADefaultRequestIsInvalid) {
-    EXPECT_EQ(failureOf([] { ThumbnailRequest().validateOnLoad(); }),
-              "Error: No media file specified, try --help for all available options");
+    EXPECT_THAT([] { ThumbnailRequest().validateOnLoad(); },
+                FailedWith<Error>("No media file specified, try --help for all available options"));
 }

@@ -7,6 +7,7 @@
 #include "tests/media/MediaServiceFixture.h"
 
 #include <QFile>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using EditorService::Error;
@@ -14,7 +15,8 @@ using EditorService::ThumbnailRequest;
 using EditorService::ThumbnailService;
 using EditorService::Testing::Collected;
 using EditorService::Testing::collectToEnd;
-using EditorService::Testing::errorText;
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureText;
 using Velmor::AV::MediaError;
 using Velmor::Core::PluginError;
 
@@ -41,7 +43,7 @@ protected:
             const auto collected =
                 thumbnail({path, "--output=" + scratchFile(QStringLiteral("t%1.png").arg(i)),
                            QStringLiteral("--at=%1").arg(i * 100)});
-            EXPECT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+            EXPECT_EQ(collected->values.size(), 1u) << failureText(collected->error);
         }
         const auto* streams = Media::StreamProvider::instance();
         return streams ? streams->openedStreams() : -1;
@@ -57,7 +59,7 @@ TEST_F(ThumbnailServiceTest, WritesTheFrameShownAtTheTimeAndEmitsExactlyItsKeys)
     const QString path = fixture("h264_aac.mp4");
     const QString output = scratchFile("t.png");
     const auto collected = thumbnail({path, "--output=" + output, "--at=1500"});
-    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
     EXPECT_TRUE(collected->completed);
     ASSERT_EQ(collected->values.size(), 1u);
     // 25 frames a second: the frame at 1480 ms is on screen until 1520 ms.
@@ -75,7 +77,7 @@ TEST_F(ThumbnailServiceTest, WritesTheFrameShownAtTheTimeAndEmitsExactlyItsKeys)
 TEST_F(ThumbnailServiceTest, WithoutATimeTheFirstFrameIsTaken) {
     startProvider();
     const auto collected = thumbnail({fixture("portrait.mp4"), "--output=" + scratchFile("t.png")});
-    ASSERT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+    ASSERT_EQ(collected->values.size(), 1u) << failureText(collected->error);
     const auto& taken = collected->values[0]["thumbnail"];
     EXPECT_EQ(taken["at_ms"], 0);
     EXPECT_EQ(taken["frame_ms"], 0);
@@ -89,7 +91,7 @@ TEST_F(ThumbnailServiceTest, TheFrameSizeAndFillModeGiveTheSizeOfThePicture) {
     const auto collected =
         thumbnail({fixture("h264_aac.mp4"), "--output=" + output, "--preset-frame-size=160:160",
                    "--preset-resize-fill-mode=Fit"});
-    ASSERT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+    ASSERT_EQ(collected->values.size(), 1u) << failureText(collected->error);
     EXPECT_EQ(collected->values[0]["thumbnail"]["width"], 160);
     EXPECT_EQ(collected->values[0]["thumbnail"]["height"], 160);
     EXPECT_TRUE(isPng(output));
@@ -100,7 +102,7 @@ TEST_F(ThumbnailServiceTest, TheOriginalFrameSizeKeepsTheFramesSize) {
     const auto collected =
         thumbnail({fixture("wide_1921x1080.mp4"), "--output=" + scratchFile("t.png"),
                    "--preset-frame-size=original"});
-    ASSERT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+    ASSERT_EQ(collected->values.size(), 1u) << failureText(collected->error);
     EXPECT_EQ(collected->values[0]["thumbnail"]["width"], 1921);
     EXPECT_EQ(collected->values[0]["thumbnail"]["height"], 1080);
 }
@@ -113,7 +115,7 @@ TEST_F(ThumbnailServiceTest, TheRuntimeStartsOnlyWhenTheCommandRuns) {
     EXPECT_EQ(countOf("CoreManager::Initialize"), 0);
     EXPECT_EQ(countOf("Composition::Controller::Controller"), 0);
     const auto collected = collectToEnd(stream);
-    ASSERT_EQ(collected->values.size(), 1u) << errorText(collected->error);
+    ASSERT_EQ(collected->values.size(), 1u) << failureText(collected->error);
     EXPECT_EQ(countOf("CoreManager::Initialize"), 1);
     EXPECT_EQ(countOf("Composition::Controller::Controller"), 1);
 }
@@ -139,7 +141,7 @@ TEST_F(ThumbnailServiceTest, EachRequestOfAStreamGivesItsValue) {
     }
     ThumbnailService service;
     const auto collected = collectToEnd(service.run(EditorService::Testing::each(requests)));
-    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
     EXPECT_TRUE(collected->completed);
     EXPECT_EQ(collected->values.size(), 3u);
     for (const auto& request : requests)
@@ -151,61 +153,64 @@ TEST_F(ThumbnailServiceTest, AMissingFileFailsWithMediaError) {
     const QString path = scratchFile("missing.mp4");
     const auto collected = thumbnail({path, "--output=" + scratchFile("t.png")});
     EXPECT_TRUE(collected->values.empty());
-    EXPECT_EQ(failureOf<MediaError>(collected),
-              "Can not open media file: " + path.toStdString() + ": No such file or directory");
+    EXPECT_THAT(collected->error,
+                FailedWith<MediaError>("Can not open media file: " + path.toStdString()
+                                       + ": No such file or directory"));
     EXPECT_FALSE(QFile::exists(scratchFile("t.png")));
 }
 
 TEST_F(ThumbnailServiceTest, AFileThatIsNoMediaFailsWithMediaError) {
     startProvider();
     const QString path = fixture("notmedia.txt");
-    EXPECT_EQ(failureOf<MediaError>(thumbnail({path, "--output=" + scratchFile("t.png")})),
-              "Can not open media file: " + path.toStdString()
-                  + ": Invalid data found when processing input");
+    EXPECT_THAT(thumbnail({path, "--output=" + scratchFile("t.png")})->error,
+                FailedWith<MediaError>("Can not open media file: " + path.toStdString()
+                                       + ": Invalid data found when processing input"));
 }
 
 TEST_F(ThumbnailServiceTest, AFileWithoutVideoFailsWithMediaError) {
     startProvider();
     const QString path = fixture("tone.wav");
     const auto collected = thumbnail({path, "--output=" + scratchFile("t.png")});
-    EXPECT_EQ(failureOf<MediaError>(collected), "No video stream in " + path.toStdString());
+    EXPECT_THAT(collected->error,
+                FailedWith<MediaError>("No video stream in " + path.toStdString()));
     EXPECT_FALSE(QFile::exists(scratchFile("t.png")));
 }
 
 TEST_F(ThumbnailServiceTest, ATimePastTheEndFailsWithMediaErrorGivingTheDuration) {
     startProvider();
     const QString path = fixture("h264_aac.mp4");
-    EXPECT_EQ(
-        failureOf<MediaError>(thumbnail({path, "--output=" + scratchFile("t.png"), "--at=90000"})),
-        "Time 90000 ms is past the end of " + path.toStdString() + " (2000 ms)");
+    EXPECT_THAT(thumbnail({path, "--output=" + scratchFile("t.png"), "--at=90000"})->error,
+                FailedWith<MediaError>("Time 90000 ms is past the end of " + path.toStdString()
+                                       + " (2000 ms)"));
 }
 
 TEST_F(ThumbnailServiceTest, AnOutputThatCanNotBeWrittenFailsWithMediaError) {
     startProvider();
     const QString output = scratchFile("no/such/dir/t.png");
-    EXPECT_EQ(failureOf<MediaError>(thumbnail({fixture("h264_aac.mp4"), "--output=" + output})),
-              "Can not write " + output.toStdString() + ": No such file or directory");
+    EXPECT_THAT(thumbnail({fixture("h264_aac.mp4"), "--output=" + output})->error,
+                FailedWith<MediaError>("Can not write " + output.toStdString()
+                                       + ": No such file or directory"));
 }
 
 TEST_F(ThumbnailServiceTest, WithDecodersDisabledAThumbnailFailsWithPluginError) {
     startProvider({"--disable-plugin=DecodersFF"});
-    EXPECT_EQ((failureOf<PluginError>(
-                  thumbnail({fixture("h264_aac.mp4"), "--output=" + scratchFile("t.png")}))),
-              "Can not read media: the plug-in DecodersFF is disabled");
+    EXPECT_THAT(thumbnail({fixture("h264_aac.mp4"), "--output=" + scratchFile("t.png")})->error,
+                FailedWith<PluginError>("Can not read media: the plug-in DecodersFF is disabled"));
 }
 
 TEST_F(ThumbnailServiceTest, WithEncodersDisabledAThumbnailFailsWithPluginError) {
     startProvider({"--disable-plugin=EncodersFF"});
-    EXPECT_EQ((failureOf<PluginError>(
-                  thumbnail({fixture("h264_aac.mp4"), "--output=" + scratchFile("t.png")}))),
-              "Can not encode CODEC_ID_PNG: the plug-in EncodersFF is disabled");
+    EXPECT_THAT(
+        thumbnail({fixture("h264_aac.mp4"), "--output=" + scratchFile("t.png")})->error,
+        FailedWith<PluginError>("Can not encode CODEC_ID_PNG: the plug-in EncodersFF is disabled"));
     EXPECT_FALSE(QFile::exists(scratchFile("t.png")));
 }
 
 TEST_F(ThumbnailServiceTest, WithoutAProviderTheStreamFailsWithErrorAndStartsNothing) {
     const auto collected = thumbnail({fixture("h264_aac.mp4"), "--output=" + scratchFile("t.png")});
     EXPECT_TRUE(collected->values.empty());
-    EXPECT_EQ(failureOf<Error>(collected), "No runtime: the process has no GlobalContextProvider");
+    EXPECT_THAT(collected->error,
+                FailedWith<Error>("No runtime: the process has no GlobalContextProvider"));
     EXPECT_EQ(countOf("CoreManager::Initialize"), 0);
 }
 

@@ -2,16 +2,18 @@
 
 #include "service/launcher/CLILauncher.h"
 #include "tests/support/EventLoop.h"
+#include "tests/support/FailedWith.h"
 #include "tests/support/LogCapture.h"
 
 #include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QThread>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <optional>
 #include <thread>
 
+using EditorService::Testing::FailedWith;
 using EditorService::Testing::LogCapture;
 using EditorService::Testing::spinUntil;
 
@@ -19,11 +21,11 @@ namespace {
 
 struct Outcome {
     std::vector<QStringList> commands;
-    std::optional<std::string> error;
+    std::exception_ptr error;
     bool completed = false;
     bool deliveredOffMainThread = false;
 
-    bool ended() const { return completed || error.has_value(); }
+    bool ended() const { return completed || error; }
 };
 
 class CLIUtilsTest : public testing::Test {
@@ -49,11 +51,7 @@ protected:
             },
             [outcome, onMainThread](std::exception_ptr error) {
                 onMainThread();
-                try {
-                    std::rethrow_exception(error);
-                } catch (const std::runtime_error& exception) {
-                    outcome->error = exception.what();
-                }
+                outcome->error = error;
             },
             [outcome, onMainThread] {
                 onMainThread();
@@ -194,8 +192,9 @@ TEST_F(CLIUtilsTest, MissingPathFailsAtSubscriptionNotAtTheCall) {
     const auto failed = subscribe(
         CLIUtils::openCommandScript(m_directory.filePath(QStringLiteral("nothing/here.txt"))));
     ASSERT_TRUE(spinUntil([failed] { return failed->ended(); }));
-    EXPECT_EQ(failed->error, "Can not open input device: "
-                                 + m_directory.filePath("nothing/here.txt").toStdString());
+    EXPECT_THAT(failed->error, FailedWith<std::runtime_error>(
+                                   "Can not open input device: "
+                                   + m_directory.filePath("nothing/here.txt").toStdString()));
     EXPECT_TRUE(failed->commands.empty());
     EXPECT_FALSE(failed->deliveredOffMainThread);
 }
@@ -204,20 +203,23 @@ TEST_F(CLIUtilsTest, ErrorArrivesOnlyOnceTheMainThreadRuns) {
     const auto outcome = subscribe(CLIUtils::openCommandScript(QStringLiteral("/nonexistent/x")));
     EXPECT_FALSE(outcome->ended());
     ASSERT_TRUE(spinUntil([outcome] { return outcome->ended(); }));
-    EXPECT_EQ(outcome->error, "Can not open input device: /nonexistent/x");
+    EXPECT_THAT(outcome->error,
+                FailedWith<std::runtime_error>("Can not open input device: /nonexistent/x"));
 }
 
 TEST_F(CLIUtilsTest, PlaceholdersInAMissingPathAreQuotedAsTheyCame) {
     const auto outcome =
         subscribe(CLIUtils::openCommandScript(QStringLiteral("/nonexistent/%1%2")));
     ASSERT_TRUE(spinUntil([outcome] { return outcome->ended(); }));
-    EXPECT_EQ(outcome->error, "Can not open input device: /nonexistent/%1%2");
+    EXPECT_THAT(outcome->error,
+                FailedWith<std::runtime_error>("Can not open input device: /nonexistent/%1%2"));
 }
 
 TEST_F(CLIUtilsTest, DirectoryAsPathCannotBeOpened) {
     const auto outcome = subscribe(CLIUtils::openCommandScript(m_directory.path()));
     ASSERT_TRUE(spinUntil([outcome] { return outcome->ended(); }));
-    EXPECT_EQ(outcome->error, "Can not open input device: " + m_directory.path().toStdString());
+    EXPECT_THAT(outcome->error, FailedWith<std::runtime_error>("Can not open input device: "
+                                                               + m_directory.path().toStdString()));
 }
 
 TEST_F(CLIUtilsTest, TwoSubscriptionsReadTheFileTwice) {
@@ -267,7 +269,8 @@ TEST_F(CLIUtilsTest, PipeOnlyFailsWithItsMessage) {
     const auto outcome = subscribe(CLIUtils::openCommandPipe());
     ASSERT_TRUE(spinUntil([outcome] { return outcome->ended(); }));
     EXPECT_TRUE(outcome->commands.empty());
-    EXPECT_EQ(outcome->error, "Input from stdin is not supported on this platform yet");
+    EXPECT_THAT(outcome->error, FailedWith<std::runtime_error>(
+                                    "Input from stdin is not supported on this platform yet"));
     EXPECT_FALSE(outcome->deliveredOffMainThread);
 }
 

@@ -2,6 +2,7 @@
 
 #include "service/services/ScriptRequest.h"
 #include "tests/stress/StressFixture.h"
+#include "tests/support/FailedWith.h"
 
 #include <QThread>
 #include <memory>
@@ -37,13 +38,7 @@ TEST_P(ScriptServiceFaultTest, FaultEndsTheScriptOnceWithItsOwnError) {
     spinFor(std::chrono::milliseconds(20));
     EXPECT_EQ(outcome->ends.load(), 1);
     ASSERT_TRUE(outcome->error);
-    try {
-        std::rethrow_exception(outcome->error);
-    } catch (const Error& error) {
-        EXPECT_STREQ(error.what(), row.message);
-    } catch (const std::exception& error) {
-        ADD_FAILURE() << "not an Error: " << error.what();
-    }
+    EXPECT_THAT(outcome->error, FailedWith<Error>(row.message));
     if (row.jobs == 1) {
         EXPECT_FALSE(outcome->valueAfterEnd.load());
     }
@@ -109,10 +104,9 @@ TEST_F(ScriptServiceFaultStressTest, ManyFaultsAtOnceEndTheScriptOnce) {
             ASSERT_TRUE(spinUntil([outcome] { return outcome->ended(); }));
             spinFor(std::chrono::milliseconds(5));
             EXPECT_EQ(outcome->ends.load(), 1);
-            const std::string text = errorText(outcome->error);
-            EXPECT_TRUE(text == "stream failed on its own thread"
-                        || text == "stream failed on the main thread")
-                << text;
+            EXPECT_THAT(outcome->error,
+                        testing::AnyOf(FailedWith<Error>("stream failed on its own thread"),
+                                       FailedWith<Error>("stream failed on the main thread")));
         }
     }
 }

@@ -5,6 +5,7 @@
 #include "service/launcher/CLILauncher.h"
 #include "tests/stress/StressService.h"
 #include "tests/support/EventLoop.h"
+#include "tests/support/FailedWith.h"
 
 #include <QByteArray>
 #include <QElapsedTimer>
@@ -36,6 +37,8 @@ struct Outcome {
     bool ended() const { return ends.load() > 0; }
 };
 
+// Kept while the script and time-limit stress tests still use it; failureText from
+// tests/support/FailedWith.h replaces it.
 inline std::string errorText(const std::exception_ptr& error) {
     try {
         std::rethrow_exception(error);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/FailedWith.h"
+
 #include <rxcpp/rx.hpp>
 
 #include <chrono>
@@ -28,7 +30,7 @@ public:
                 line << "on_next(" << v << ")";
                 add(line.str());
             },
-            [this](std::exception_ptr e) { add("on_error(" + describe(e) + ")", true); },
+            [this](std::exception_ptr e) { add("on_error(" + failureText(e) + ")", true); },
             [this] { add("on_completed", true); });
     }
 
@@ -58,16 +60,6 @@ public:
     bool waitForLines(std::size_t count, std::chrono::seconds limit = std::chrono::seconds(60)) {
         std::unique_lock<std::mutex> guard(lock);
         return changed.wait_for(guard, limit, [&] { return log.size() >= count; });
-    }
-
-    static std::string describe(std::exception_ptr e) {
-        try {
-            std::rethrow_exception(e);
-        } catch (const std::exception& x) {
-            return x.what();
-        } catch (...) {
-            return "?";
-        }
     }
 
 private:

@@ -1,52 +1,14 @@
 #pragma once
 
-#include "tests/support/EventLoop.h"
+#include "tests/support/Collect.h"
 
-#include <memory>
-#include <mutex>
-#include <nlohmann/json.hpp>
-#include <rxcpp/rx.hpp>
+#include <exception>
+#include <string>
 
 namespace EditorService::Testing {
 
-// What a stream delivered, from whichever thread it delivered it.
-struct Collected {
-    std::mutex mutex;
-    std::vector<nlohmann::json> values;
-    std::exception_ptr error;
-    bool completed = false;
-
-    bool ended() {
-        std::lock_guard<std::mutex> lock(mutex);
-        return completed || error;
-    }
-};
-
-inline std::shared_ptr<Collected> collect(const rxcpp::observable<nlohmann::json>& stream) {
-    auto collected = std::make_shared<Collected>();
-    stream.subscribe(
-        [collected](const nlohmann::json& value) {
-            std::lock_guard<std::mutex> lock(collected->mutex);
-            collected->values.push_back(value);
-        },
-        [collected](std::exception_ptr error) {
-            std::lock_guard<std::mutex> lock(collected->mutex);
-            collected->error = error;
-        },
-        [collected] {
-            std::lock_guard<std::mutex> lock(collected->mutex);
-            collected->completed = true;
-        });
-    return collected;
-}
-
-// Subscribes and runs the main thread's loop until the stream has ended.
-inline std::shared_ptr<Collected> collectToEnd(const rxcpp::observable<nlohmann::json>& stream) {
-    auto collected = collect(stream);
-    spinUntil([collected] { return collected->ended(); });
-    return collected;
-}
-
+// Moved to tests/support/Collect.h; this header and errorText stay only while
+// tests/media/ExportServiceTest.cpp still includes them (failureText replaces errorText).
 inline std::string errorText(const std::exception_ptr& error) {
     try {
         std::rethrow_exception(error);

@@ -1,8 +1,10 @@
 #include "host/services/EchoService.h"
 
 #include "service/api/HelpException.h"
-#include "tests/host/services/Collect.h"
+#include "tests/support/Collect.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace EditorService::Testing;
@@ -24,11 +26,9 @@ TEST(EchoServiceTest, NoArgumentsGiveAnEmptyList) {
 TEST(EchoServiceTest, HelpAloneIsHelpAndAmongOthersIsEchoed) {
     EchoService service;
     const auto help = collectToEnd(service.run(QStringList{"app", "--help"}));
-    try {
-        std::rethrow_exception(help->error);
-    } catch (const EditorService::CLI::HelpException& exception) {
-        EXPECT_TRUE(std::string(exception.what()).find("Usage: reelsmith echo") == 0);
-    }
+    ASSERT_TRUE(help->error);
+    EXPECT_THROW(std::rethrow_exception(help->error), EditorService::CLI::HelpException);
+    EXPECT_EQ(failureText(help->error).rfind("Usage: reelsmith echo", 0), 0u);
     const auto echoed = collectToEnd(service.run(QStringList{"app", "x", "--help"}));
     EXPECT_EQ(echoed->values.at(0), (nlohmann::json{{"echo", {"x", "--help"}}}));
 }

@@ -1,8 +1,10 @@
 #include "host/services/FailService.h"
 
 #include "service/api/Error.h"
-#include "tests/host/services/Collect.h"
+#include "tests/support/Collect.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace EditorService::Testing;
@@ -10,9 +12,7 @@ using namespace EditorService::Testing;
 TEST(FailServiceTest, FailsAtOnceWithTheDefaultMessage) {
     FailService service;
     const auto collected = collect(service.run(QStringList{"app"}));
-    ASSERT_TRUE(collected->error);
-    EXPECT_THROW(std::rethrow_exception(collected->error), EditorService::Error);
-    EXPECT_EQ(errorText(collected->error), "failed");
+    EXPECT_THAT(collected->error, FailedWith<EditorService::Error>("failed"));
     EXPECT_TRUE(collected->values.empty());
 }
 
@@ -22,12 +22,12 @@ TEST(FailServiceTest, FailsWithTheGivenMessageAfterTheDelay) {
         collect(service.run(QStringList{"app", "--message=no luck", "--after=20"}));
     EXPECT_FALSE(collected->ended());
     ASSERT_TRUE(spinUntil([collected] { return collected->ended(); }));
-    EXPECT_THROW(std::rethrow_exception(collected->error), EditorService::Error);
-    EXPECT_EQ(errorText(collected->error), "no luck");
+    EXPECT_THAT(collected->error, FailedWith<EditorService::Error>("no luck"));
 }
 
 TEST(FailServiceTest, NegativeDelayFailsWithError) {
     FailService service;
     const auto collected = collect(service.run(QStringList{"app", "--after=-1"}));
-    EXPECT_EQ(errorText(collected->error), "--after must not be negative, is -1");
+    EXPECT_THAT(collected->error,
+                FailedWith<EditorService::Error>("--after must not be negative, is -1"));
 }

@@ -1,6 +1,6 @@
 #include "host/services/NoopService.h"
 
-#include "tests/host/services/Collect.h"
+#include "tests/support/Collect.h"
 
 #include <gtest/gtest.h>
 

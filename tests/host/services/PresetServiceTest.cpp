@@ -1,8 +1,10 @@
 #include "host/services/PresetService.h"
 
 #include "service/api/Error.h"
-#include "tests/host/services/Collect.h"
+#include "tests/support/Collect.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace EditorService::Testing;
@@ -16,26 +18,13 @@ std::shared_ptr<Collected> runPreset(QStringList arguments) {
     return collectToEnd(service.run(arguments));
 }
 
-// The failure of the stream, which must be an Error.
-std::string failureOf(const std::shared_ptr<Collected>& collected) {
-    if (!collected->error)
-        return "no failure";
-    try {
-        std::rethrow_exception(collected->error);
-    } catch (const Error& error) {
-        return error.what();
-    } catch (const std::exception& error) {
-        return std::string("not an Error: ") + error.what();
-    }
-}
-
 TEST(PresetServiceTest, IsKnownAsPreset) {
     EXPECT_EQ(PresetService::serviceId(), QStringLiteral("preset"));
 }
 
 TEST(PresetServiceTest, WithoutOptionsEmitsTheDefaultPreset) {
     const auto collected = runPreset({});
-    ASSERT_EQ(collected->values.size(), 1u) << failureOf(collected);
+    ASSERT_EQ(collected->values.size(), 1u) << failureText(collected->error);
     EXPECT_TRUE(collected->completed);
     const auto& preset = collected->values.front();
     EXPECT_EQ(preset.at("id"), "mp4");
@@ -48,7 +37,7 @@ TEST(PresetServiceTest, AppliesEveryOverride) {
         {"--preset=mp4", "--preset-video-codec=CODEC_ID_HEVC", "--preset-resize-fill-mode=Center",
          "--preset-frame-size=1280:720", "--preset-video-bitrate=1200000",
          "--preset-audio-bitrate=96000", "--project-size=1920:1080"});
-    ASSERT_EQ(collected->values.size(), 1u) << failureOf(collected);
+    ASSERT_EQ(collected->values.size(), 1u) << failureText(collected->error);
     const auto& preset = collected->values.front();
     EXPECT_EQ(preset.at("videoCodec"), "CODEC_ID_HEVC");
     EXPECT_EQ(preset.at("resizeFillMode"), "Center");
@@ -61,40 +50,42 @@ TEST(PresetServiceTest, AppliesEveryOverride) {
 
 TEST(PresetServiceTest, OriginalFrameSizeTakesTheProjectSize) {
     const auto collected = runPreset({"--preset-frame-size=original", "--project-size=1080:1920"});
-    ASSERT_EQ(collected->values.size(), 1u) << failureOf(collected);
+    ASSERT_EQ(collected->values.size(), 1u) << failureText(collected->error);
     EXPECT_EQ(collected->values.front().at("width"), 1080);
     EXPECT_EQ(collected->values.front().at("height"), 1920);
 }
 
 TEST(PresetServiceTest, ProjectOfOddSizeFailsForTheOriginalFrameSize) {
     const auto collected = runPreset({"--preset-frame-size=original", "--project-size=1921:1080"});
-    EXPECT_EQ(failureOf(collected), "Frame size must be even.");
+    EXPECT_THAT(collected->error, FailedWith<Error>("Frame size must be even."));
     EXPECT_TRUE(collected->values.empty());
     EXPECT_FALSE(collected->completed);
 }
 
 TEST(PresetServiceTest, FrameSizeWithoutAProjectIsNotApplied) {
     const auto collected = runPreset({"--preset-frame-size=1281:721"});
-    ASSERT_EQ(collected->values.size(), 1u) << failureOf(collected);
+    ASSERT_EQ(collected->values.size(), 1u) << failureText(collected->error);
     EXPECT_EQ(collected->values.front().at("width"), 0);
 }
 
 TEST(PresetServiceTest, UnknownPresetFailsWithTheAvailableOnes) {
-    EXPECT_EQ(failureOf(runPreset({"--preset=4320p"})),
-              "Unknown preset: 4320p\nAvailable presets:\nmp4\n2160p\n1440p\n1080p\n720p\n480p\n"
-              "360p");
+    EXPECT_THAT(
+        runPreset({"--preset=4320p"})->error,
+        FailedWith<Error>(
+            "Unknown preset: 4320p\nAvailable presets:\nmp4\n2160p\n1440p\n1080p\n720p\n480p\n"
+            "360p"));
 }
 
 TEST(PresetServiceTest, CodecThePresetLacksFails) {
-    EXPECT_EQ(failureOf(runPreset({"--preset=360p", "--preset-video-codec=CODEC_ID_HEVC"})),
-              "Unexpected video codec for preset: CODEC_ID_HEVC");
+    EXPECT_THAT(runPreset({"--preset=360p", "--preset-video-codec=CODEC_ID_HEVC"})->error,
+                FailedWith<Error>("Unexpected video codec for preset: CODEC_ID_HEVC"));
 }
 
 TEST(PresetServiceTest, ProjectSizeMustBeTwoNumbers) {
-    EXPECT_EQ(failureOf(runPreset({"--project-size=original"})),
-              "Project size must be given as width:height");
-    EXPECT_EQ(failureOf(runPreset({"--project-size=1920"})),
-              "Can not parse frame size \"1920\", expects \"width:height\"");
+    EXPECT_THAT(runPreset({"--project-size=original"})->error,
+                FailedWith<Error>("Project size must be given as width:height"));
+    EXPECT_THAT(runPreset({"--project-size=1920"})->error,
+                FailedWith<Error>("Can not parse frame size \"1920\", expects \"width:height\""));
 }
 
 TEST(PresetServiceTest, RequestRoundTripsThroughCommandLineAndJson) {

@@ -2,8 +2,10 @@
 
 #include "platform/export/PresetProvider.h"
 #include "service/api/HelpException.h"
-#include "tests/host/services/Collect.h"
+#include "tests/support/Collect.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace EditorService::Testing;
@@ -17,7 +19,7 @@ TEST(PresetsServiceTest, IsKnownAsPresets) {
 TEST(PresetsServiceTest, EmitsTheSettingsOfEveryPresetInOrderAndCompletes) {
     PresetsService service;
     const auto collected = collectToEnd(service.run(QStringList{"app"}));
-    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
     EXPECT_TRUE(collected->completed);
     std::vector<std::string> ids;
     for (const auto& value : collected->values)

@@ -4,9 +4,11 @@
 #include "platform/foundation/CallLog.h"
 #include "platform/package/PackageDirectory.h"
 #include "service/api/Error.h"
-#include "tests/host/services/Collect.h"
+#include "tests/support/Collect.h"
+#include "tests/support/FailedWith.h"
 
 #include <QTemporaryDir>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
 #include <stdexcept>
@@ -14,7 +16,8 @@
 using EditorService::Error;
 using EditorService::GlobalContextProvider;
 using EditorService::Testing::collectToEnd;
-using EditorService::Testing::errorText;
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureText;
 using Velmor::Testing::CallLog;
 using Velmor::Testing::Probe;
 
@@ -74,7 +77,7 @@ class RuntimeServiceRequireTest : public RuntimeServiceTest,
 TEST_P(RuntimeServiceRequireTest, StartsTheNamedContextsAndTellsWhichAreUp) {
     provider.emplace(QStringList{"app"});
     const auto collected = run(GetParam().arguments);
-    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
     EXPECT_TRUE(collected->completed);
     ASSERT_EQ(collected->values.size(), 1u);
     const auto& runtime = collected->values[0].at("runtime");
@@ -125,7 +128,7 @@ TEST_F(RuntimeServiceTest, AfterAHotStartEveryContextIsReportedUpBesideWhatWasRe
     provider.emplace(QStringList{"app", "--hot-start"});
     CallLog::clear();
     const auto collected = run({"--require=engine"});
-    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
     ASSERT_EQ(collected->values.size(), 1u);
     EXPECT_EQ(collected->values[0]["runtime"]["contexts"],
               nlohmann::json({"engine", "media", "content", "render"}));
@@ -147,43 +150,34 @@ TEST_F(RuntimeServiceTest, AnUnknownContextNameFailsWithErrorAndStartsNothing) {
     const auto collected = run({"--require=engine,audio"});
     ASSERT_TRUE(collected->error);
     EXPECT_TRUE(collected->values.empty());
-    try {
-        std::rethrow_exception(collected->error);
-    } catch (const Error& error) {
-        EXPECT_STREQ(error.what(),
-                     "Unknown context \"audio\", expects engine, media, content, render or all");
-    }
+    EXPECT_THAT(collected->error,
+                FailedWith<Error>(
+                    "Unknown context \"audio\", expects engine, media, content, render or all"));
     EXPECT_TRUE(CallLog::entries().empty());
 }
 
 TEST_F(RuntimeServiceTest, PlaceholdersInAnUnknownNameAreQuotedAsTheyCame) {
-    try {
-        RuntimeRequest::Serializer().loadFromJson({{"require", "%1,%2"}});
-        FAIL() << "no exception";
-    } catch (const Error& error) {
-        EXPECT_STREQ(error.what(),
-                     "Unknown context \"%1\", expects engine, media, content, render or all");
-    }
+    EXPECT_THAT(
+        [&] {
+            RuntimeRequest::Serializer().loadFromJson({{"require", "%1,%2"}});
+        },
+        FailedWith<Error>("Unknown context \"%1\", expects engine, media, content, render or all"));
 }
 
 TEST_F(RuntimeServiceTest, NamesAreComparedWithCase) {
-    try {
-        RuntimeRequest::Serializer().loadFromJson({{"require", "Engine"}});
-        FAIL() << "no exception";
-    } catch (const Error& error) {
-        EXPECT_STREQ(error.what(),
-                     "Unknown context \"Engine\", expects engine, media, content, render or all");
-    }
+    EXPECT_THAT(
+        [&] {
+            RuntimeRequest::Serializer().loadFromJson({{"require", "Engine"}});
+        },
+        FailedWith<Error>(
+            "Unknown context \"Engine\", expects engine, media, content, render or all"));
 }
 
 TEST_F(RuntimeServiceTest, WithoutAProviderTheStreamFailsWithError) {
     const auto collected = run({"--require=engine"});
     ASSERT_TRUE(collected->error);
-    try {
-        std::rethrow_exception(collected->error);
-    } catch (const Error& error) {
-        EXPECT_STREQ(error.what(), "No runtime: the process has no GlobalContextProvider");
-    }
+    EXPECT_THAT(collected->error,
+                FailedWith<Error>("No runtime: the process has no GlobalContextProvider"));
 }
 
 TEST_F(RuntimeServiceTest, AContextThatFailsToStartEndsTheStreamWithItsError) {
@@ -192,11 +186,8 @@ TEST_F(RuntimeServiceTest, AContextThatFailsToStartEndsTheStreamWithItsError) {
     const auto collected = run({"--require=media"});
     ASSERT_TRUE(collected->error);
     EXPECT_TRUE(collected->values.empty());
-    try {
-        std::rethrow_exception(collected->error);
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "Injected failure at OglManager::Initialize");
-    }
+    EXPECT_THAT(collected->error,
+                FailedWith<std::runtime_error>("Injected failure at OglManager::Initialize"));
 }
 
 TEST_F(RuntimeServiceTest, TheRequestReadsAndWritesItsCommandLineAndJsonForms) {

@@ -6,12 +6,14 @@
 #include "service/api/HelpException.h"
 #include "service/launcher/CLILauncher.h"
 #include "service/services/ScriptService.h"
-#include "tests/host/services/Collect.h"
 #include "tests/service/services/RecordingService.h"
+#include "tests/support/Collect.h"
+#include "tests/support/FailedWith.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <algorithm>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -100,18 +102,6 @@ protected:
 
 json echoed(const std::string& text) {
     return json{{"echo", {text}}};
-}
-
-template <class Exception> std::string errorOfType(const std::exception_ptr& error) {
-    if (!error)
-        return "<no error>";
-    try {
-        std::rethrow_exception(error);
-    } catch (const Exception& exception) {
-        return exception.what();
-    } catch (...) {
-        return "<another exception>";
-    }
 }
 
 // Seven commands among comments, blank lines and a line of separators only.
@@ -212,7 +202,7 @@ TEST_F(ShardServiceTest, FirstFailureEndsThePartWithThatCommandsError) {
                                      "echo; 4\necho; 5\n");
     const auto failing = runPart(path, 1, 2);
     EXPECT_EQ(failing->values, (std::vector<json>{echoed("1")}));
-    EXPECT_EQ(errorOfType<Error>(failing->error), "boom");
+    EXPECT_THAT(failing->error, FailedWith<Error>("boom"));
     EXPECT_FALSE(failing->completed);
     const auto other = runPart(path, 0, 2);
     EXPECT_TRUE(other->completed);
@@ -229,8 +219,8 @@ TEST_F(ShardServiceTest, NestedScriptRunsWholeInThePartOfItsLine) {
 
 TEST_F(ShardServiceTest, MissingScriptFailsWithItsPath) {
     const auto part = runPart(QStringLiteral("/nonexistent/jobs.reel"), 0, 2);
-    EXPECT_EQ(errorOfType<std::runtime_error>(part->error),
-              "Can not open input device: /nonexistent/jobs.reel");
+    EXPECT_THAT(part->error, FailedWith<std::runtime_error>(
+                                 "Can not open input device: /nonexistent/jobs.reel"));
 }
 
 struct BadValues {
@@ -249,7 +239,7 @@ class ShardServiceBadValuesTest : public ShardServiceTest,
 TEST_P(ShardServiceBadValuesTest, FailsWithErrorNamingTheAllowedValues) {
     const BadValues& row = GetParam();
     const auto part = runShard(QStringList(writeScript("echo; a\n")) + row.arguments);
-    EXPECT_EQ(errorOfType<Error>(part->error), row.message);
+    EXPECT_THAT(part->error, FailedWith<Error>(row.message));
     EXPECT_TRUE(part->values.empty());
 }
 
@@ -266,12 +256,14 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(ShardServiceTest, MissingPathFailsWithError) {
     const auto part = runShard({"--index=0", "--count=2"});
-    EXPECT_EQ(errorOfType<Error>(part->error), "No script path specified");
+    EXPECT_THAT(part->error, FailedWith<Error>("No script path specified"));
 }
 
 TEST_F(ShardServiceTest, HelpNamesTheOptionsAndTheUsage) {
     const auto part = runShard({"--help"});
-    const std::string help = errorOfType<CLI::HelpException>(part->error);
+    ASSERT_TRUE(part->error);
+    EXPECT_THROW(std::rethrow_exception(part->error), CLI::HelpException);
+    const std::string help = failureText(part->error);
     for (const char* expected : {"--index <K>", "--count <N>", "--jobs, -j <N>",
                                  "Usage: reelsmith shard <path> --index=K --count=N [--jobs=J]"})
         EXPECT_NE(help.find(expected), std::string::npos) << expected << " in " << help;
@@ -324,12 +316,11 @@ TEST_F(ShardServiceTest, CommandLineFormReadsBackTheSameRequest) {
 
 TEST_F(ShardServiceTest, JsonWithAnIndexOutsideTheCountFailsWithTheSameError) {
     ShardRequest::Serializer serializer;
-    try {
-        serializer.loadFromJson(json{{"path", "jobs.reel"}, {"index", 3}, {"count", 3}});
-        FAIL() << "no exception";
-    } catch (const Error& error) {
-        EXPECT_STREQ(error.what(), "--index must be between 0 and 2");
-    }
+    EXPECT_THAT(
+        [&] {
+            serializer.loadFromJson(json{{"path", "jobs.reel"}, {"index", 3}, {"count", 3}});
+        },
+        FailedWith<Error>("--index must be between 0 and 2"));
 }
 
 TEST_F(ShardServiceTest, ForeignRequestIsABadCast) {

@@ -1,9 +1,11 @@
 #include "host/services/TickService.h"
 
 #include "service/api/Error.h"
-#include "tests/host/services/Collect.h"
+#include "tests/support/Collect.h"
+#include "tests/support/FailedWith.h"
 
 #include <QThread>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace EditorService::Testing;
@@ -62,13 +64,15 @@ TEST(TickServiceTest, UnsubscribingStopsTheTicks) {
 TEST(TickServiceTest, NegativeCountFailsWithError) {
     TickService service;
     const auto collected = collect(service.run(QStringList{"app", "--count=-1"}));
-    EXPECT_EQ(errorText(collected->error), "--count must not be negative, is -1");
+    EXPECT_THAT(collected->error,
+                FailedWith<EditorService::Error>("--count must not be negative, is -1"));
     const auto interval = collect(service.run(QStringList{"app", "--interval=-5"}));
-    EXPECT_EQ(errorText(interval->error), "--interval must not be negative, is -5");
+    EXPECT_THAT(interval->error,
+                FailedWith<EditorService::Error>("--interval must not be negative, is -5"));
 }
 
 TEST(TickServiceTest, CountThatIsNoNumberFailsWithTheParseMessage) {
     TickService service;
     const auto collected = collect(service.run(QStringList{"app", "--count=many"}));
-    EXPECT_EQ(errorText(collected->error), "Can not parse \"many\" as int");
+    EXPECT_THAT(collected->error, FailedWith<std::runtime_error>("Can not parse \"many\" as int"));
 }

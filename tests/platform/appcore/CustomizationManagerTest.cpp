@@ -1,6 +1,7 @@
 #include "platform/appcore/CustomizationManager.h"
 
 #include "platform/foundation/CallLog.h"
+#include "tests/support/FailedWith.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -8,9 +9,11 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
+using EditorService::Testing::FailedWith;
 using Velmor::App::CustomizationManager;
 using Velmor::Core::Version;
 using Velmor::Testing::CallLog;
@@ -152,26 +155,19 @@ TEST_F(CustomizationManagerTest, ADirectoryOfTheFilesNameIsNoFile) {
 
 TEST_F(CustomizationManagerTest, AMalformedProductVersionThrowsNamingTheFile) {
     writeFile(inWorkingDirectory(fileName), "[Customization]\nProductVersion=1.x\n");
-    try {
-        CustomizationManager manager{Velmor::ioPath(fileName)};
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_EQ(std::string(error.what()), QStringLiteral("Invalid product version \"1.x\" in %1")
-                                                 .arg(inWorkingDirectory(fileName))
-                                                 .toStdString());
-    }
+    EXPECT_THAT(
+        [&] { CustomizationManager manager{Velmor::ioPath(fileName)}; },
+        FailedWith<std::runtime_error>(QStringLiteral("Invalid product version \"1.x\" in %1")
+                                           .arg(inWorkingDirectory(fileName))
+                                           .toStdString()));
 }
 
 TEST_F(CustomizationManagerTest, AFileThatIsNoIniFileThrowsNamingTheFile) {
     writeFile(inWorkingDirectory(fileName), "[Customization\nProductName=Broken\n");
-    try {
-        CustomizationManager manager{Velmor::ioPath(fileName)};
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_EQ(std::string(error.what()), QStringLiteral("Cannot read customization file %1")
-                                                 .arg(inWorkingDirectory(fileName))
-                                                 .toStdString());
-    }
+    EXPECT_THAT([&] { CustomizationManager manager{Velmor::ioPath(fileName)}; },
+                FailedWith<std::runtime_error>(QStringLiteral("Cannot read customization file %1")
+                                                   .arg(inWorkingDirectory(fileName))
+                                                   .toStdString()));
 }
 
 TEST_F(CustomizationManagerTest, ConstructionDestructionAndEachGetterAreRecorded) {

@@ -2,10 +2,13 @@
 
 #include "platform/appcore/ILookAndFeelManager.h"
 #include "platform/foundation/CallLog.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
+using EditorService::Testing::FailedWith;
 using Velmor::Testing::CallLog;
 
 namespace {
@@ -36,12 +39,8 @@ public:
 };
 
 void expectNoManager() {
-    try {
-        Customization::currentLocale();
-        FAIL() << "no exception";
-    } catch (const std::logic_error& error) {
-        EXPECT_STREQ(error.what(), "Customization has no look and feel manager");
-    }
+    EXPECT_THAT([&] { Customization::currentLocale(); },
+                FailedWith<std::logic_error>("Customization has no look and feel manager"));
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 #include "platform/av/AudioFifo.h"
 
 #include "platform/av/MediaError.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 extern "C" {
@@ -10,6 +12,7 @@ extern "C" {
 #include <libavutil/samplefmt.h>
 }
 
+using EditorService::Testing::FailedWith;
 using namespace Velmor::AV;
 
 namespace {
@@ -68,10 +71,6 @@ TEST(AudioFifoTest, APartOfABlockIsCutToTheSample) {
 
 TEST(AudioFifoTest, ABlockOfAnotherFormatIsRefused) {
     AudioFifo fifo(AV_SAMPLE_FMT_S16, 44100, 2, 1024);
-    try {
-        fifo.write(block(10, 0));
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_STREQ(error.what(), "Can not buffer audio: Invalid argument");
-    }
+    EXPECT_THAT([&] { fifo.write(block(10, 0)); },
+                FailedWith<MediaError>("Can not buffer audio: Invalid argument"));
 }

@@ -2,12 +2,14 @@
 
 #include "platform/av/MediaError.h"
 #include "platform/av/Packet.h"
+#include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 #include <atomic>
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,6 +18,8 @@ extern "C" {
 #include <libavcodec/packet.h>
 }
 
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureOf;
 using EditorService::Testing::mediaFixture;
 using Velmor::AV::Demuxer;
 using Velmor::AV::MediaError;
@@ -23,13 +27,8 @@ using Velmor::AV::Packet;
 
 namespace {
 
-std::string openingFailure(const std::string& path) {
-    try {
-        Demuxer demuxer(path);
-    } catch (const MediaError& error) {
-        return error.what();
-    }
-    return "no exception";
+std::exception_ptr openingFailure(const std::string& path) {
+    return failureOf([&] { Demuxer demuxer(path); });
 }
 
 } // namespace
@@ -90,43 +89,44 @@ TEST(DemuxerTest, SeekingBackwardsLandsOnAKeyFrameAtOrBeforeTheTime) {
 }
 
 TEST(DemuxerTest, AMissingFileFailsWithTheLibrarysReason) {
-    EXPECT_EQ(openingFailure("/nonexistent/clip.mp4"),
-              "Can not open media file: /nonexistent/clip.mp4: No such file or directory");
+    EXPECT_THAT(openingFailure("/nonexistent/clip.mp4"),
+                FailedWith<MediaError>(
+                    "Can not open media file: /nonexistent/clip.mp4: No such file or directory"));
 }
 
 TEST(DemuxerTest, AFileThatIsNoMediaFailsAsInvalidData) {
     const auto path = mediaFixture("notmedia.txt");
-    EXPECT_EQ(openingFailure(path),
-              "Can not open media file: " + path + ": Invalid data found when processing input");
+    EXPECT_THAT(openingFailure(path),
+                FailedWith<MediaError>("Can not open media file: " + path
+                                       + ": Invalid data found when processing input"));
 }
 
 TEST(DemuxerTest, AnEmptyFileFailsAsInvalidData) {
     const auto path = mediaFixture("empty.mp4");
-    EXPECT_EQ(openingFailure(path),
-              "Can not open media file: " + path + ": Invalid data found when processing input");
+    EXPECT_THAT(openingFailure(path),
+                FailedWith<MediaError>("Can not open media file: " + path
+                                       + ": Invalid data found when processing input"));
 }
 
 TEST(DemuxerTest, ATruncatedFileFailsAsInvalidData) {
     const auto path = mediaFixture("truncated.mp4");
-    EXPECT_EQ(openingFailure(path),
-              "Can not open media file: " + path + ": Invalid data found when processing input");
+    EXPECT_THAT(openingFailure(path),
+                FailedWith<MediaError>("Can not open media file: " + path
+                                       + ": Invalid data found when processing input"));
 }
 
 TEST(DemuxerTest, ADirectoryFailsWithTheSystemsReason) {
     const QTemporaryDir directory;
     const auto path = directory.path().toStdString();
-    EXPECT_EQ(openingFailure(path), "Can not open media file: " + path + ": Is a directory");
+    EXPECT_THAT(openingFailure(path),
+                FailedWith<MediaError>("Can not open media file: " + path + ": Is a directory"));
 }
 
 TEST(DemuxerTest, AnInterruptedOpenGivesUp) {
-    try {
-        Demuxer demuxer(mediaFixture("h264_aac.mp4"), [] { return true; });
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_STREQ(error.what(), ("Can not open media file: " + mediaFixture("h264_aac.mp4")
-                                    + ": Immediate exit requested")
-                                       .c_str());
-    }
+    EXPECT_THAT([&] { Demuxer demuxer(mediaFixture("h264_aac.mp4"), [] { return true; }); },
+                FailedWith<MediaError>(("Can not open media file: " + mediaFixture("h264_aac.mp4")
+                                        + ": Immediate exit requested")
+                                           .c_str()));
 }
 
 TEST(DemuxerTest, TellsEachStreamsTimeBaseFrameRateAndTheFilesStart) {
@@ -146,12 +146,9 @@ TEST(DemuxerTest, AReadOfAFifoThatNeverDeliversAsksTheCallbackAndGivesUp) {
     const int writer = ::open(fifo.c_str(), O_RDWR);
     ASSERT_GE(writer, 0);
     std::atomic<int> asked{0};
-    try {
-        Demuxer demuxer(fifo, [&] { return ++asked > 20; });
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_EQ(error.what(), "Can not open media file: " + fifo + ": Immediate exit requested");
-    }
+    EXPECT_THAT(
+        [&] { Demuxer demuxer(fifo, [&] { return ++asked > 20; }); },
+        FailedWith<MediaError>("Can not open media file: " + fifo + ": Immediate exit requested"));
     ::close(writer);
     EXPECT_GT(asked, 20);
 }

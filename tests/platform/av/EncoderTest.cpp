@@ -4,7 +4,9 @@
 #include "platform/av/MediaError.h"
 #include "platform/av/Packet.h"
 #include "platform/av/Picture.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 extern "C" {
@@ -12,6 +14,7 @@ extern "C" {
 #include <libavutil/samplefmt.h>
 }
 
+using EditorService::Testing::FailedWith;
 using namespace Velmor::AV;
 
 namespace {
@@ -125,21 +128,13 @@ TEST(EncoderTest, AnAudioRateTheEncoderLacksBecomesTheNearestItHas) {
 }
 
 TEST(EncoderTest, AnUnknownEncoderFailsNamingIt) {
-    try {
-        Encoder::video(videoSettings("libnothing"));
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_STREQ(error.what(), "Can not encode with libnothing: Encoder not found");
-    }
+    EXPECT_THAT([&] { Encoder::video(videoSettings("libnothing")); },
+                FailedWith<MediaError>("Can not encode with libnothing: Encoder not found"));
 }
 
 TEST(EncoderTest, AnImpossibleSizeFailsWithTheLibrarysReason) {
     VideoEncoderSettings settings = videoSettings("libx264");
     settings.width = 0;
-    try {
-        Encoder::video(settings);
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_STREQ(error.what(), "Can not encode with libx264: Invalid argument");
-    }
+    EXPECT_THAT([&] { Encoder::video(settings); },
+                FailedWith<MediaError>("Can not encode with libx264: Invalid argument"));
 }

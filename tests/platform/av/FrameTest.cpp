@@ -1,7 +1,9 @@
 #include "platform/av/Frame.h"
 
 #include "platform/av/MediaError.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 extern "C" {
@@ -9,6 +11,7 @@ extern "C" {
 #include <libavutil/pixfmt.h>
 }
 
+using EditorService::Testing::FailedWith;
 using Velmor::AV::Frame;
 
 TEST(FrameTest, ANewFrameIsEmpty) {
@@ -30,12 +33,8 @@ TEST(FrameTest, APictureHasItsSizeFormatAndZeroedBuffers) {
 }
 
 TEST(FrameTest, AnImpossiblePictureFailsWithTheReason) {
-    try {
-        Frame::picture(-1, 10, AV_PIX_FMT_RGB24);
-        FAIL() << "no exception";
-    } catch (const Velmor::AV::MediaError& error) {
-        EXPECT_STREQ(error.what(), "Can not allocate a picture: Invalid argument");
-    }
+    EXPECT_THAT([&] { Frame::picture(-1, 10, AV_PIX_FMT_RGB24); },
+                FailedWith<Velmor::AV::MediaError>("Can not allocate a picture: Invalid argument"));
 }
 
 TEST(FrameTest, MovingHandsTheSameFrameOver) {

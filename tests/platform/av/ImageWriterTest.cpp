@@ -4,14 +4,17 @@
 #include "platform/av/Demuxer.h"
 #include "platform/av/Frame.h"
 #include "platform/av/MediaError.h"
+#include "tests/support/FailedWith.h"
 
 #include <QTemporaryDir>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 extern "C" {
 #include <libavutil/frame.h>
 }
 
+using EditorService::Testing::FailedWith;
 using Velmor::AV::Decoder;
 using Velmor::AV::Demuxer;
 using Velmor::AV::Frame;
@@ -58,23 +61,14 @@ TEST(ImageWriterTest, WritesAPngThatReadsBackToTheSamePixels) {
 }
 
 TEST(ImageWriterTest, AnUnwritablePathFailsWithTheSystemsReason) {
-    try {
-        writePng(paintedPicture(), "/nonexistent/picture.png");
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_STREQ(error.what(),
-                     "Can not write /nonexistent/picture.png: No such file or directory");
-    }
+    EXPECT_THAT([&] { writePng(paintedPicture(), "/nonexistent/picture.png"); },
+                FailedWith<MediaError>(
+                    "Can not write /nonexistent/picture.png: No such file or directory"));
 }
 
 TEST(ImageWriterTest, APictureThatIsNotRgbIsRefused) {
     const QTemporaryDir directory;
     const std::string path = directory.filePath("picture.png").toStdString();
-    try {
-        writePng(Frame::picture(4, 4, AV_PIX_FMT_YUV420P), path);
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_EQ(std::string(error.what()),
-                  "Can not write " + path + ": the picture is not RGB24");
-    }
+    EXPECT_THAT([&] { writePng(Frame::picture(4, 4, AV_PIX_FMT_YUV420P), path); },
+                FailedWith<MediaError>("Can not write " + path + ": the picture is not RGB24"));
 }

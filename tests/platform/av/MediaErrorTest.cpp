@@ -1,11 +1,14 @@
 #include "platform/av/MediaError.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 extern "C" {
 #include <libavutil/error.h>
 }
 
+using EditorService::Testing::FailedWith;
 using Velmor::AV::check;
 using Velmor::AV::errorText;
 using Velmor::AV::MediaError;
@@ -21,10 +24,6 @@ TEST(MediaErrorTest, CheckPassesANonNegativeResultThrough) {
 }
 
 TEST(MediaErrorTest, CheckThrowsWhatWasDoneAndTheReason) {
-    try {
-        check(AVERROR(EACCES), "Can not open media file: a.mp4");
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_STREQ(error.what(), "Can not open media file: a.mp4: Permission denied");
-    }
+    EXPECT_THAT([&] { check(AVERROR(EACCES), "Can not open media file: a.mp4"); },
+                FailedWith<MediaError>("Can not open media file: a.mp4: Permission denied"));
 }

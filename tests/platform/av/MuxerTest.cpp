@@ -6,16 +6,19 @@
 #include "platform/av/MediaError.h"
 #include "platform/av/Packet.h"
 #include "platform/av/Picture.h"
+#include "tests/support/FailedWith.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
 #include <filesystem>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 extern "C" {
 #include <libavformat/avformat.h>
 }
 
+using EditorService::Testing::FailedWith;
 using namespace Velmor::AV;
 
 namespace {
@@ -88,21 +91,13 @@ TEST_F(MuxerTest, TheHeaderOfAFileThatCanNotBeCreatedFailsWithTheSystemsReason) 
     const std::string file = path("missing/out.mp4");
     Muxer muxer(file, "mp4");
     muxer.addStream(*videoEncoder(true));
-    try {
-        muxer.writeHeader();
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_EQ(error.what(), "Can not write " + file + ": No such file or directory");
-    }
+    EXPECT_THAT([&] { muxer.writeHeader(); },
+                FailedWith<MediaError>("Can not write " + file + ": No such file or directory"));
 }
 
 TEST_F(MuxerTest, AnUnknownContainerFailsNamingThePath) {
-    try {
-        Muxer(path("a.xyz"), "nosuchformat");
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_EQ(error.what(), "Can not write " + path("a.xyz") + ": Invalid argument");
-    }
+    EXPECT_THAT([&] { Muxer(path("a.xyz"), "nosuchformat"); },
+                FailedWith<MediaError>("Can not write " + path("a.xyz") + ": Invalid argument"));
 }
 
 TEST_F(MuxerTest, AMuxerLeftWithoutItsTrailerClosesItsFile) {

@@ -1,5 +1,7 @@
 #include "platform/av/Picture.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
@@ -8,6 +10,7 @@ extern "C" {
 #include <libavutil/pixfmt.h>
 }
 
+using EditorService::Testing::FailedWith;
 using namespace Velmor::AV;
 
 namespace {
@@ -30,12 +33,8 @@ TEST(PictureTest, PixelFormatsAreNamedAsFfmpegNamesThem) {
 }
 
 TEST(PictureTest, UnknownPixelFormatNameIsRefused) {
-    try {
-        pixelFormat("yuv420");
-        FAIL() << "accepted yuv420";
-    } catch (const std::invalid_argument& error) {
-        EXPECT_STREQ(error.what(), "No pixel format named \"yuv420\"");
-    }
+    EXPECT_THAT([&] { pixelFormat("yuv420"); },
+                FailedWith<std::invalid_argument>("No pixel format named \"yuv420\""));
 }
 
 TEST(PictureTest, ChromaBlockIsTheSubsampling) {
@@ -105,12 +104,11 @@ TEST(PictureTest, RegionViewSharesThePicturesBuffers) {
 
 TEST(PictureTest, EmptyRegionIsRefused) {
     Frame picture = Frame::picture(8, 8, AV_PIX_FMT_GRAY8);
-    try {
-        paintBlack(picture, Rect{0, 0, 0, 8});
-        FAIL() << "painted an empty region";
-    } catch (const std::out_of_range& error) {
-        EXPECT_STREQ(error.what(), "The region 0x8 at 0,0 is not inside the 8x8 picture");
-    }
+    EXPECT_THAT(
+        [&] {
+            paintBlack(picture, Rect{0, 0, 0, 8});
+        },
+        FailedWith<std::out_of_range>("The region 0x8 at 0,0 is not inside the 8x8 picture"));
 }
 
 TEST(PictureTest, ReferenceSharesTheBuffersAndTheTimestamp) {

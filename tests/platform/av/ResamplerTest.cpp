@@ -1,7 +1,9 @@
 #include "platform/av/Resampler.h"
 
 #include "platform/av/MediaError.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 extern "C" {
@@ -10,6 +12,7 @@ extern "C" {
 #include <libavutil/samplefmt.h>
 }
 
+using EditorService::Testing::FailedWith;
 using namespace Velmor::AV;
 
 namespace {
@@ -60,10 +63,6 @@ TEST(ResamplerTest, DrainingBeforeAnyInputGivesNoSamples) {
 }
 
 TEST(ResamplerTest, ImpossibleSettingsFailNamingTheRate) {
-    try {
-        Resampler(AV_SAMPLE_FMT_FLTP, 0, 2);
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_STREQ(error.what(), "Can not resample to 0 Hz: Invalid argument");
-    }
+    EXPECT_THAT([&] { Resampler(AV_SAMPLE_FMT_FLTP, 0, 2); },
+                FailedWith<MediaError>("Can not resample to 0 Hz: Invalid argument"));
 }

@@ -2,7 +2,9 @@
 
 #include "platform/av/MediaError.h"
 #include "platform/av/Picture.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
@@ -11,6 +13,7 @@ extern "C" {
 #include <libavutil/pixfmt.h>
 }
 
+using EditorService::Testing::FailedWith;
 using Velmor::AV::Frame;
 using Velmor::AV::MediaError;
 using Velmor::AV::Rect;
@@ -176,24 +179,19 @@ TEST(ScalerTest, NoThreadsUntilTheFirstScale) {
 TEST(ScalerTest, FormatLibswscaleCanNotWriteFailsWithItsReason) {
     Frame source = Frame::picture(8, 8, AV_PIX_FMT_RGB24);
     Frame target = Frame::picture(8, 8, AV_PIX_FMT_PAL8);
-    try {
-        Scaler().scale(source, target);
-        FAIL() << "scaled into pal8";
-    } catch (const MediaError& error) {
-        EXPECT_STREQ(error.what(),
-                     "Can not set up scaling from 8x8 rgb24 to 8x8 pal8: Invalid argument");
-    }
+    EXPECT_THAT([&] { Scaler().scale(source, target); },
+                FailedWith<MediaError>(
+                    "Can not set up scaling from 8x8 rgb24 to 8x8 pal8: Invalid argument"));
 }
 
 TEST(ScalerTest, RegionOutsideThePictureIsRefused) {
     Frame source = Frame::picture(8, 8, AV_PIX_FMT_GRAY8);
     Frame target = Frame::picture(8, 8, AV_PIX_FMT_GRAY8);
-    try {
-        Scaler().scale(source, Rect{4, 0, 8, 8}, target, Rect{0, 0, 8, 8});
-        FAIL() << "scaled a region outside the source";
-    } catch (const std::out_of_range& error) {
-        EXPECT_STREQ(error.what(), "The region 8x8 at 4,0 is not inside the 8x8 picture");
-    }
+    EXPECT_THAT(
+        [&] {
+            Scaler().scale(source, Rect{4, 0, 8, 8}, target, Rect{0, 0, 8, 8});
+        },
+        FailedWith<std::out_of_range>("The region 8x8 at 4,0 is not inside the 8x8 picture"));
 }
 
 } // namespace

@@ -7,10 +7,13 @@
 #include "platform/content/TransitionContentProvider.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
+using EditorService::Testing::FailedWith;
 using Velmor::Testing::CallLog;
 using Velmor::Testing::Probe;
 
@@ -68,11 +71,8 @@ TYPED_TEST(ContentProvidersTest, OffersDistinctItems) {
 
 TYPED_TEST(ContentProvidersTest, AnInjectedFailureLeavesTheConstructorUnrecorded) {
     Probe::failNext(TestFixture::entry("ContentProvider"));
-    try {
-        TypeParam provider;
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_EQ(error.what(), "Injected failure at " + TestFixture::entry("ContentProvider"));
-    }
+    EXPECT_THAT([&] { TypeParam provider; },
+                FailedWith<std::runtime_error>("Injected failure at "
+                                               + TestFixture::entry("ContentProvider")));
     EXPECT_TRUE(CallLog::entries().empty());
 }

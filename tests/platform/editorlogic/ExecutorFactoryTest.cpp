@@ -4,10 +4,13 @@
 #include "platform/engine/PluginError.h"
 #include "platform/foundation/CallLog.h"
 #include "tests/platform/editorlogic/RunningEngine.h"
+#include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+using EditorService::Testing::FailedWith;
 using EditorService::Testing::mediaFixture;
 using EditorService::Testing::RunningEngine;
 using Velmor::Testing::CallLog;
@@ -38,24 +41,17 @@ TEST(ExecutorFactoryTest, OpensTheDecodersOfVideoAndAudioStreams) {
 TEST(ExecutorFactoryTest, AFileThatCanNotBeOpenedFailsWithTheReason) {
     const RunningEngine engine;
     const Core::ExecutorFactory factory;
-    try {
-        factory.createFileParser(QStringLiteral("/nonexistent/a.mp4"), {});
-        FAIL() << "no exception";
-    } catch (const Velmor::AV::MediaError& error) {
-        EXPECT_STREQ(error.what(),
-                     "Can not open media file: /nonexistent/a.mp4: No such file or directory");
-    }
+    EXPECT_THAT([&] { factory.createFileParser(QStringLiteral("/nonexistent/a.mp4"), {}); },
+                FailedWith<Velmor::AV::MediaError>(
+                    "Can not open media file: /nonexistent/a.mp4: No such file or directory"));
 }
 
 TEST(ExecutorFactoryTest, WithTheDecodersPluginDisabledNothingIsRead) {
     const RunningEngine engine({"DecodersFF"});
     const Core::ExecutorFactory factory;
-    try {
-        factory.createFileParser(fixture("h264_aac.mp4"), {});
-        FAIL() << "no exception";
-    } catch (const Velmor::Core::PluginError& error) {
-        EXPECT_STREQ(error.what(), "Can not read media: the plug-in DecodersFF is disabled");
-    }
+    EXPECT_THAT([&] { factory.createFileParser(fixture("h264_aac.mp4"), {}); },
+                FailedWith<Velmor::Core::PluginError>(
+                    "Can not read media: the plug-in DecodersFF is disabled"));
 }
 
 TEST(ExecutorFactoryTest, ConstructionAndDestructionAreRecorded) {

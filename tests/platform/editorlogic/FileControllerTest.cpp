@@ -5,16 +5,19 @@
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
 #include "tests/platform/editorlogic/RunningEngine.h"
+#include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <future>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
 
+using EditorService::Testing::FailedWith;
 using Velmor::Testing::CallLog;
 using Velmor::Testing::Probe;
 
@@ -78,21 +81,18 @@ TEST_F(FileControllerTest, AFileThatCanNotBeParsedGivesTheFailureAndNoDescriptio
     const EditorService::Testing::RunningEngine engine;
     const QString path =
         QString::fromStdString(EditorService::Testing::mediaFixture("notmedia.txt"));
-    std::promise<std::pair<std::string, std::string>> parsed;
+    std::promise<std::pair<std::string, std::exception_ptr>> parsed;
     Media::FileController controller(&parsers);
     controller.parse(path, [&](const Velmor::AV::MediaInfo& info, std::exception_ptr error) {
-        try {
-            std::rethrow_exception(error);
-        } catch (const Velmor::AV::MediaError& failure) {
-            parsed.set_value({info.format, failure.what()});
-        }
+        parsed.set_value({info.format, error});
     });
     auto result = parsed.get_future();
     ASSERT_EQ(result.wait_for(generously), std::future_status::ready);
     const auto [format, failure] = result.get();
     EXPECT_EQ(format, "");
-    EXPECT_EQ(failure, "Can not open media file: " + path.toStdString()
-                           + ": Invalid data found when processing input");
+    EXPECT_THAT(failure,
+                FailedWith<Velmor::AV::MediaError>("Can not open media file: " + path.toStdString()
+                                                   + ": Invalid data found when processing input"));
 }
 
 TEST_F(FileControllerTest, SubmittedWorkRunsOnTheControllersThread) {

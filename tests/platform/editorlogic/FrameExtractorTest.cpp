@@ -10,12 +10,14 @@
 #include "platform/engine/PluginError.h"
 #include "platform/foundation/CallLog.h"
 #include "tests/platform/editorlogic/RunningEngine.h"
+#include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <deque>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <type_traits>
 
@@ -23,6 +25,7 @@ extern "C" {
 #include <libavutil/frame.h>
 }
 
+using EditorService::Testing::FailedWith;
 using Velmor::Testing::CallLog;
 
 namespace {
@@ -152,22 +155,14 @@ TEST_F(FrameExtractionWithEngineTest, FitsTheFrameIntoTheSizeAskedForWithBars) {
 }
 
 TEST_F(FrameExtractionWithoutEncodersTest, NoPictureIsWritten) {
-    try {
-        extract({});
-        FAIL() << "no exception";
-    } catch (const Velmor::Core::PluginError& error) {
-        EXPECT_STREQ(error.what(),
-                     "Can not encode CODEC_ID_PNG: the plug-in EncodersFF is disabled");
-    }
+    EXPECT_THAT([&] { extract({}); },
+                FailedWith<Velmor::Core::PluginError>(
+                    "Can not encode CODEC_ID_PNG: the plug-in EncodersFF is disabled"));
     EXPECT_FALSE(QFile::exists(output));
 }
 
 TEST_F(FrameExtractionTest, WithoutAStreamProviderExtractionIsALogicError) {
     const EditorService::Testing::RunningEngine engine;
-    try {
-        extract({});
-        FAIL() << "no exception";
-    } catch (const std::logic_error& error) {
-        EXPECT_STREQ(error.what(), "Can not extract a thumbnail: no stream provider runs");
-    }
+    EXPECT_THAT([&] { extract({}); }, FailedWith<std::logic_error>(
+                                          "Can not extract a thumbnail: no stream provider runs"));
 }

@@ -6,10 +6,13 @@
 #include "platform/editorlogic/TimelineController.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
+using EditorService::Testing::FailedWith;
 using Velmor::Testing::CallLog;
 using Velmor::Testing::Probe;
 
@@ -66,11 +69,8 @@ TYPED_TEST(RecordedLifetimeTest, ConstructionAndDestructionAreRecorded) {
 
 TYPED_TEST(RecordedLifetimeTest, AnInjectedFailureLeavesTheConstructorUnrecorded) {
     Probe::failNext(Recorded<TypeParam>::name());
-    try {
-        TypeParam object;
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_EQ(error.what(), "Injected failure at " + Recorded<TypeParam>::name());
-    }
+    EXPECT_THAT(
+        [&] { TypeParam object; },
+        FailedWith<std::runtime_error>("Injected failure at " + Recorded<TypeParam>::name()));
     EXPECT_TRUE(CallLog::entries().empty());
 }

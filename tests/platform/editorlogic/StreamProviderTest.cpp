@@ -8,12 +8,15 @@
 #include "platform/editorlogic/VideoStreamCutter.h"
 #include "platform/foundation/CallLog.h"
 #include "tests/platform/editorlogic/RunningEngine.h"
+#include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
 #include <chrono>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <thread>
 
+using EditorService::Testing::FailedWith;
 using EditorService::Testing::mediaFixture;
 using EditorService::Testing::RunningEngine;
 using Velmor::Testing::CallLog;
@@ -98,12 +101,9 @@ TEST_F(StreamProviderTest, AStreamOutlivingTheProviderIsClosedWhenLetGo) {
 
 TEST_F(StreamProviderTest, AFileWithoutVideoFailsNamingIt) {
     const auto streams = provider(5000);
-    try {
-        streams->videoStream(fixture("tone.wav"));
-        FAIL() << "no exception";
-    } catch (const Velmor::AV::MediaError& error) {
-        EXPECT_EQ(std::string(error.what()), "No video stream in " + mediaFixture("tone.wav"));
-    }
+    EXPECT_THAT(
+        [&] { streams->videoStream(fixture("tone.wav")); },
+        FailedWith<Velmor::AV::MediaError>("No video stream in " + mediaFixture("tone.wav")));
 }
 
 TEST_F(StreamProviderTest, InstanceIsTheLastProviderStillAlive) {

@@ -2,13 +2,16 @@
 
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
+#include "tests/support/FailedWith.h"
 
 #include <future>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
 
+using EditorService::Testing::FailedWith;
 using Velmor::Testing::CallLog;
 using Velmor::Testing::Probe;
 
@@ -95,12 +98,8 @@ TEST_F(TaskControllerTest, ConstructionAndDestructionAreRecorded) {
 
 TEST_F(TaskControllerTest, AnInjectedFailureLeavesTheConstructor) {
     Probe::failNext("Task::Controller::Controller");
-    try {
-        Task::Controller controller;
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "Injected failure at Task::Controller::Controller");
-    }
+    EXPECT_THAT([&] { Task::Controller controller; },
+                FailedWith<std::runtime_error>("Injected failure at Task::Controller::Controller"));
     EXPECT_TRUE(CallLog::entries().empty());
     EXPECT_EQ(Task::Controller::instance(), nullptr);
 }

@@ -8,15 +8,18 @@
 #include "platform/editorlogic/TaskController.h"
 #include "platform/foundation/CallLog.h"
 #include "tests/platform/editorlogic/RunningEngine.h"
+#include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <atomic>
 #include <future>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <thread>
 
+using EditorService::Testing::FailedWith;
 using Velmor::Testing::CallLog;
 
 TEST(ThumbnailControllerTest, SharesItsExtractorAndReleasesItWhenDestroyed) {
@@ -78,28 +81,22 @@ TEST(ThumbnailControllerTest, AFailureReachesDoneInsteadOfAResult) {
     Thumbnail::Request request;
     request.path = QStringLiteral("/nonexistent/a.mp4");
     request.output = QStringLiteral("/nonexistent/t.png");
-    std::promise<std::string> failed;
+    std::promise<std::exception_ptr> failed;
     controller.extract(request, [&](const Thumbnail::Result&, std::exception_ptr error) {
-        try {
-            std::rethrow_exception(error);
-        } catch (const Velmor::AV::MediaError& failure) {
-            failed.set_value(failure.what());
-        }
+        failed.set_value(error);
     });
     auto failure = failed.get_future();
     ASSERT_EQ(failure.wait_for(std::chrono::seconds(60)), std::future_status::ready);
-    EXPECT_EQ(failure.get(),
-              "Can not open media file: /nonexistent/a.mp4: No such file or directory");
+    EXPECT_THAT(failure.get(),
+                FailedWith<Velmor::AV::MediaError>(
+                    "Can not open media file: /nonexistent/a.mp4: No such file or directory"));
 }
 
 TEST(ThumbnailControllerTest, WithoutATaskControllerExtractionIsALogicError) {
     Thumbnail::Controller controller(std::make_shared<Thumbnail::FrameExtractor>());
-    try {
-        controller.extract({}, [](const Thumbnail::Result&, std::exception_ptr) {});
-        FAIL() << "no exception";
-    } catch (const std::logic_error& error) {
-        EXPECT_STREQ(error.what(), "Can not extract a thumbnail: no task controller runs");
-    }
+    EXPECT_THAT(
+        [&] { controller.extract({}, [](const Thumbnail::Result&, std::exception_ptr) {}); },
+        FailedWith<std::logic_error>("Can not extract a thumbnail: no task controller runs"));
 }
 
 TEST(ThumbnailControllerTest, InstanceIsTheLastControllerStillAlive) {

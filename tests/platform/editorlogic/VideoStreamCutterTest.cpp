@@ -4,10 +4,13 @@
 #include "platform/av/Demuxer.h"
 #include "platform/av/Frame.h"
 #include "platform/av/MediaError.h"
+#include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+using EditorService::Testing::FailedWith;
 using EditorService::Testing::mediaFixture;
 
 namespace {
@@ -40,13 +43,9 @@ TEST_F(VideoStreamCutterTest, TheEndOfTheFileShowsTheLastFrame) {
 }
 
 TEST_F(VideoStreamCutterTest, ATimePastTheEndFailsNamingBothTimes) {
-    try {
-        cutter.frameAt(90000);
-        FAIL() << "no exception";
-    } catch (const Velmor::AV::MediaError& error) {
-        EXPECT_EQ(std::string(error.what()),
-                  "Time 90000 ms is past the end of " + mediaFixture("noaudio.mp4") + " (2000 ms)");
-    }
+    EXPECT_THAT([&] { cutter.frameAt(90000); },
+                FailedWith<Velmor::AV::MediaError>("Time 90000 ms is past the end of "
+                                                   + mediaFixture("noaudio.mp4") + " (2000 ms)"));
 }
 
 TEST_F(VideoStreamCutterTest, TimesAheadWithinAKeyFrameIntervalDecodeOnWithoutSeeking) {

@@ -2,13 +2,16 @@
 
 #include "platform/foundation/CallLog.h"
 #include "tests/platform/editorutil/VirtualSlot.h"
+#include "tests/support/FailedWith.h"
 
 #include <QCoreApplication>
 #include <functional>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <stdexcept>
 
+using EditorService::Testing::FailedWith;
 using EditorService::Testing::virtualSlot;
 using Velmor::Testing::CallLog;
 
@@ -60,23 +63,15 @@ TEST_F(LauncherTest, RegisteringWhileAnotherIsRegisteredThrows) {
     PlainLauncher registered;
     PlainLauncher second;
     PlainLauncher::registerInstance(&registered);
-    try {
-        PlainLauncher::registerInstance(&second);
-        FAIL() << "no exception";
-    } catch (const std::logic_error& error) {
-        EXPECT_STREQ(error.what(), "A launcher is already registered");
-    }
+    EXPECT_THAT([&] { PlainLauncher::registerInstance(&second); },
+                FailedWith<std::logic_error>("A launcher is already registered"));
     EXPECT_EQ(Launcher::instance(), &registered);
     PlainLauncher::unregisterInstance(&registered);
 }
 
 TEST_F(LauncherTest, RegisteringNullThrows) {
-    try {
-        PlainLauncher::registerInstance(nullptr);
-        FAIL() << "no exception";
-    } catch (const std::invalid_argument& error) {
-        EXPECT_STREQ(error.what(), "Cannot register a null launcher");
-    }
+    EXPECT_THAT([&] { PlainLauncher::registerInstance(nullptr); },
+                FailedWith<std::invalid_argument>("Cannot register a null launcher"));
     EXPECT_EQ(Launcher::instance(), nullptr);
 }
 

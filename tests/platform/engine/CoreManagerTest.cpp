@@ -5,12 +5,15 @@
 #include "platform/engine/PluginRegistry.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
 
+using EditorService::Testing::FailedWith;
 using namespace Velmor::Core;
 using Velmor::Testing::CallLog;
 using Velmor::Testing::Probe;
@@ -133,12 +136,9 @@ TEST_F(CoreManagerTest, OnInitializedIsCalledOnceOnTheLoaderThread) {
 }
 
 TEST_F(CoreManagerTest, WaitUntilInitializedBeforeInitializeThrowsLogicError) {
-    try {
-        CoreManager::Instance().WaitUntilInitialized();
-        FAIL() << "no exception";
-    } catch (const std::logic_error& error) {
-        EXPECT_STREQ(error.what(), "CoreManager::WaitUntilInitialized called before Initialize");
-    }
+    EXPECT_THAT(
+        [&] { CoreManager::Instance().WaitUntilInitialized(); },
+        FailedWith<std::logic_error>("CoreManager::WaitUntilInitialized called before Initialize"));
 }
 
 TEST_F(CoreManagerTest, UninitializeForgetsThePlugins) {
@@ -178,22 +178,14 @@ TEST_F(CoreManagerTest, RequiringADisabledPluginNamesItAndTheWork) {
     auto& core = CoreManager::Instance();
     core.Initialize({}, disabling({"DecodersFF"}), {});
     core.WaitUntilInitialized();
-    try {
-        core.RequirePlugin("DecodersFF", "read media");
-        FAIL() << "no exception";
-    } catch (const PluginError& error) {
-        EXPECT_STREQ(error.what(), "Can not read media: the plug-in DecodersFF is disabled");
-    }
+    EXPECT_THAT([&] { core.RequirePlugin("DecodersFF", "read media"); },
+                FailedWith<PluginError>("Can not read media: the plug-in DecodersFF is disabled"));
     EXPECT_NO_THROW(core.RequirePlugin("EncodersFF", "encode CODEC_ID_H264"));
 }
 
 TEST_F(CoreManagerTest, RequiringAPluginOfAnEngineThatDoesNotRunIsALogicError) {
-    try {
-        CoreManager::Instance().RequirePlugin("DecodersFF", "read media");
-        FAIL() << "no exception";
-    } catch (const std::logic_error& error) {
-        EXPECT_STREQ(error.what(), "Can not read media: the engine is not running");
-    }
+    EXPECT_THAT([&] { CoreManager::Instance().RequirePlugin("DecodersFF", "read media"); },
+                FailedWith<std::logic_error>("Can not read media: the engine is not running"));
 }
 
 TEST_F(CoreManagerTest, TheEncodersPluginGivesTheLibrariesEncoders) {
@@ -204,38 +196,26 @@ TEST_F(CoreManagerTest, TheEncodersPluginGivesTheLibrariesEncoders) {
     EXPECT_EQ(core.EncoderFor("CODEC_ID_HEVC"), "libx265");
     EXPECT_EQ(core.EncoderFor("CODEC_ID_AAC"), "aac");
     EXPECT_EQ(core.EncoderFor("CODEC_ID_PNG"), "png");
-    try {
-        core.EncoderFor("CODEC_ID_VP9");
-        FAIL() << "no exception";
-    } catch (const PluginError& error) {
-        EXPECT_STREQ(error.what(),
-                     "Can not encode CODEC_ID_VP9: the media libraries have no encoder for it");
-    }
+    EXPECT_THAT([&] { core.EncoderFor("CODEC_ID_VP9"); },
+                FailedWith<PluginError>(
+                    "Can not encode CODEC_ID_VP9: the media libraries have no encoder for it"));
 }
 
 TEST_F(CoreManagerTest, WithTheEncodersDisabledNoCodecCanBeEncoded) {
     auto& core = CoreManager::Instance();
     core.Initialize({}, disabling({"EncodersFF"}), {});
     core.WaitUntilInitialized();
-    try {
-        core.EncoderFor("CODEC_ID_H264");
-        FAIL() << "no exception";
-    } catch (const PluginError& error) {
-        EXPECT_STREQ(error.what(),
-                     "Can not encode CODEC_ID_H264: the plug-in EncodersFF is disabled");
-    }
+    EXPECT_THAT([&] { core.EncoderFor("CODEC_ID_H264"); },
+                FailedWith<PluginError>(
+                    "Can not encode CODEC_ID_H264: the plug-in EncodersFF is disabled"));
 }
 
 TEST_F(CoreManagerTest, APluginThatFailsToLoadFailsTheWaitAndLeavesTheEngineDown) {
     auto& core = CoreManager::Instance();
     Probe::failNext("PluginRegistry::Load");
     core.Initialize({}, ModuleOptionTable(), {});
-    try {
-        core.WaitUntilInitialized();
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "Injected failure at PluginRegistry::Load");
-    }
+    EXPECT_THAT([&] { core.WaitUntilInitialized(); },
+                FailedWith<std::runtime_error>("Injected failure at PluginRegistry::Load"));
     EXPECT_FALSE(core.IsInitialized());
     core.Initialize({}, ModuleOptionTable(), {});
     EXPECT_NO_THROW(core.WaitUntilInitialized());

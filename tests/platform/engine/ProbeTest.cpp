@@ -1,8 +1,11 @@
 #include "platform/engine/Probe.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
+using EditorService::Testing::FailedWith;
 using Velmor::Testing::Probe;
 
 class ProbeTest : public testing::Test {
@@ -17,12 +20,8 @@ TEST_F(ProbeTest, AnUnarmedPointDoesNothing) {
 
 TEST_F(ProbeTest, FailNextThrowsOnceWithThePointInTheText) {
     Probe::failNext("Somewhere");
-    try {
-        Probe::hit("Somewhere");
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "Injected failure at Somewhere");
-    }
+    EXPECT_THAT([&] { Probe::hit("Somewhere"); },
+                FailedWith<std::runtime_error>("Injected failure at Somewhere"));
     EXPECT_NO_THROW(Probe::hit("Somewhere"));
 }
 

@@ -6,6 +6,7 @@
 #include "platform/engine/PluginError.h"
 #include "platform/engine/Utils.h"
 #include "platform/export/PresetProvider.h"
+#include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
 #include <QProcess>
@@ -16,6 +17,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <mutex>
 #include <nlohmann/json.hpp>
@@ -24,6 +26,8 @@
 #include <thread>
 #include <unistd.h>
 
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureOf;
 using EditorService::Testing::mediaFixture;
 using Export::ExportCancelled;
 using Export::Exporter;
@@ -327,13 +331,9 @@ TEST_F(ExporterTest, ARangeStartsAtItsFirstFrameFromZeroAndLastsItsLength) {
 
 TEST_F(ExporterTest, ARangeOutsideTheInputFailsNamingBothAndLeavesNoFile) {
     Exporter exporter(settings("h264_aac.mp4", preset("mp4"), Types::Range(5000, 9000)));
-    try {
-        exporter.run({});
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_EQ(error.what(),
-                  "Range 5000:9000 ms is outside " + mediaFixture("h264_aac.mp4") + " (2000 ms)");
-    }
+    EXPECT_THAT([&] { exporter.run({}); },
+                FailedWith<MediaError>("Range 5000:9000 ms is outside "
+                                       + mediaFixture("h264_aac.mp4") + " (2000 ms)"));
     expectNoFiles(exporter);
 }
 
@@ -366,12 +366,8 @@ TEST_F(ExporterTest, AMissingOutputDirectoryFailsBeforeTheInputIsRead) {
     // The input does not exist either: the output's failure comes first.
     Exporter exporter(
         ExportSettings{mediaFixture("no-such-input.mp4"), missing, preset("mp4"), {}});
-    try {
-        exporter.run({});
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_EQ(error.what(), "Can not write " + missing + ": No such file or directory");
-    }
+    EXPECT_THAT([&] { exporter.run({}); },
+                FailedWith<MediaError>("Can not write " + missing + ": No such file or directory"));
     EXPECT_FALSE(exists(exporter.temporaryPath()));
 }
 
@@ -384,25 +380,17 @@ TEST_F(ExporterTest, AnOutputDirectoryThatIsNotWritableFailsWithTheSystemsReason
     }
     const std::string target = unwritable + "/out.mp4";
     Exporter exporter(ExportSettings{mediaFixture("h264_aac.mp4"), target, preset("mp4"), {}});
-    try {
-        exporter.run({});
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_EQ(error.what(), "Can not write " + target + ": Permission denied");
-    }
+    EXPECT_THAT([&] { exporter.run({}); },
+                FailedWith<MediaError>("Can not write " + target + ": Permission denied"));
     EXPECT_FALSE(exists(exporter.temporaryPath()));
     EXPECT_FALSE(exists(target));
 }
 
 TEST_F(ExporterTest, AnUnreadableInputFailsAndLeavesNoFile) {
     Exporter exporter(settings("truncated.mp4", preset("mp4")));
-    try {
-        exporter.run({});
-        FAIL() << "no exception";
-    } catch (const MediaError& error) {
-        EXPECT_EQ(error.what(), "Can not open media file: " + mediaFixture("truncated.mp4")
-                                    + ": Invalid data found when processing input");
-    }
+    EXPECT_THAT([&] { exporter.run({}); },
+                FailedWith<MediaError>("Can not open media file: " + mediaFixture("truncated.mp4")
+                                       + ": Invalid data found when processing input"));
     expectNoFiles(exporter);
 }
 
@@ -427,17 +415,16 @@ TEST_F(ExporterTest, CancelFromAnotherThreadEndsTheExportAndLeavesNoFile) {
         started.wait(lock, [&] { return progressed; });
         exporter.cancel();
     });
-    try {
-        exporter.run([&](const ExportProgress& value) {
-            std::lock_guard<std::mutex> lock(mutex);
-            frames = value.frames;
-            progressed = true;
-            started.notify_all();
-        });
-        FAIL() << "no exception";
-    } catch (const ExportCancelled& error) {
-        EXPECT_EQ(error.what(), "Export cancelled: " + output());
-    }
+    EXPECT_THAT(
+        [&] {
+            exporter.run([&](const ExportProgress& value) {
+                std::lock_guard<std::mutex> lock(mutex);
+                frames = value.frames;
+                progressed = true;
+                started.notify_all();
+            });
+        },
+        FailedWith<ExportCancelled>("Export cancelled: " + output()));
     canceller.join();
     EXPECT_LT(frames, 250);
     expectNoFiles(exporter);
@@ -452,24 +439,14 @@ TEST_F(ExporterTest, CancelGivesUpAReadOfAFifoThatNeverDelivers) {
     const std::string target = output("stalled-out.mp4");
     Exporter exporter(ExportSettings{fifo, target, preset("mp4"), {}});
     std::exception_ptr failure;
-    std::thread running([&] {
-        try {
-            exporter.run({});
-        } catch (...) {
-            failure = std::current_exception();
-        }
-    });
+    std::thread running([&] { failure = failureOf([&] { exporter.run({}); }); });
     // The temporary appears just before the input is opened.
     while (!exists(exporter.temporaryPath()) && !failure)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     exporter.cancel();
     running.join();
     ::close(writer);
-    try {
-        std::rethrow_exception(failure);
-    } catch (const ExportCancelled& error) {
-        EXPECT_EQ(error.what(), "Export cancelled: " + target);
-    }
+    EXPECT_THAT(failure, FailedWith<ExportCancelled>("Export cancelled: " + target));
     EXPECT_FALSE(exists(exporter.temporaryPath()));
     EXPECT_FALSE(exists(target));
 }
@@ -477,12 +454,8 @@ TEST_F(ExporterTest, CancelGivesUpAReadOfAFifoThatNeverDelivers) {
 TEST_F(ExporterTest, ADisabledEncoderPluginFailsWithTheEnginesMessageAndWritesNothing) {
     startEngine({"EncodersFF"});
     Exporter exporter(settings("h264_aac.mp4", preset("mp4")));
-    try {
-        exporter.run({});
-        FAIL() << "no exception";
-    } catch (const Velmor::Core::PluginError& error) {
-        EXPECT_STREQ(error.what(),
-                     "Can not encode CODEC_ID_H264: the plug-in EncodersFF is disabled");
-    }
+    EXPECT_THAT([&] { exporter.run({}); },
+                FailedWith<Velmor::Core::PluginError>(
+                    "Can not encode CODEC_ID_H264: the plug-in EncodersFF is disabled"));
     expectNoFiles(exporter);
 }

@@ -1,9 +1,12 @@
 #include "platform/foundation/Version.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <stdexcept>
 
+using EditorService::Testing::FailedWith;
 using Velmor::Core::Version;
 
 namespace {
@@ -47,13 +50,9 @@ void PrintTo(const InvalidRow& row, std::ostream* out) {
 class VersionInvalidTextTest : public testing::TestWithParam<InvalidRow> {};
 
 TEST_P(VersionInvalidTextTest, ThrowsQuotingTheText) {
-    try {
-        Version::FromString(GetParam().text);
-        FAIL() << "no exception";
-    } catch (const std::invalid_argument& error) {
-        EXPECT_EQ(std::string(error.what()),
-                  std::string("Invalid version: \"") + GetParam().text + "\"");
-    }
+    EXPECT_THAT([&] { Version::FromString(GetParam().text); },
+                FailedWith<std::invalid_argument>(std::string("Invalid version: \"")
+                                                  + GetParam().text + "\""));
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -1,11 +1,14 @@
 #include "platform/foundation/VersionToString.h"
 
 #include "platform/foundation/CallLog.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <stdexcept>
 
+using EditorService::Testing::FailedWith;
 using Velmor::Core::Version;
 using Velmor::Util::VersionToString;
 using Velmor::Util::VersionToStringDetail;
@@ -52,12 +55,11 @@ TEST(VersionToStringTest, DetailZeroIsMajorMinorPatch) {
 }
 
 TEST(VersionToStringTest, ThrowsForAnUnknownDetail) {
-    try {
-        VersionToString(Version{1, 0, 0, 0}, static_cast<VersionToStringDetail>(7), ".");
-        FAIL() << "no exception";
-    } catch (const std::invalid_argument& error) {
-        EXPECT_STREQ(error.what(), "Unknown version detail: 7");
-    }
+    EXPECT_THAT(
+        [&] {
+            VersionToString(Version{1, 0, 0, 0}, static_cast<VersionToStringDetail>(7), ".");
+        },
+        FailedWith<std::invalid_argument>("Unknown version detail: 7"));
 }
 
 TEST(VersionToStringTest, IsRecorded) {

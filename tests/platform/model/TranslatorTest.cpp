@@ -1,11 +1,14 @@
 #include "platform/model/Translator.h"
 
 #include "platform/foundation/CallLog.h"
+#include "tests/support/FailedWith.h"
 
 #include <QLocale>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
+using EditorService::Testing::FailedWith;
 using Velmor::Testing::CallLog;
 using Velmor::Testing::resetTranslator;
 
@@ -37,12 +40,8 @@ TEST_F(TranslatorTest, TheCLocaleIsALocale) {
 
 TEST_F(TranslatorTest, AnUnknownLocaleThrowsAndLeavesTheCurrentOne) {
     Translator::setCurrentLocale("en_US");
-    try {
-        Translator::setCurrentLocale("klingon");
-        FAIL() << "no exception";
-    } catch (const std::invalid_argument& error) {
-        EXPECT_STREQ(error.what(), "Unknown locale: \"klingon\"");
-    }
+    EXPECT_THAT([&] { Translator::setCurrentLocale("klingon"); },
+                FailedWith<std::invalid_argument>("Unknown locale: \"klingon\""));
     EXPECT_EQ(Translator::currentLocale(), "en_US");
     EXPECT_EQ(QLocale().name(), "en_US");
 }

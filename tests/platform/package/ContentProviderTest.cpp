@@ -3,14 +3,17 @@
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
 #include "tests/platform/package/PackageTestFiles.h"
+#include "tests/support/FailedWith.h"
 
 #include <QTemporaryDir>
 #include <atomic>
 #include <future>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <thread>
 
+using EditorService::Testing::FailedWith;
 using Package::ContentProvider;
 using Package::Testing::writeFile;
 using Velmor::Testing::CallLog;
@@ -111,12 +114,9 @@ TEST_F(ContentProviderTest, AFailedLoadingIsRethrownByWaitForFinishLoading) {
     Probe::failNext("Package::ContentProvider::load");
     ContentProvider provider(nullptr, directory.path());
     provider.startLoading();
-    try {
-        provider.waitForFinishLoading();
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "Injected failure at Package::ContentProvider::load");
-    }
+    EXPECT_THAT(
+        [&] { provider.waitForFinishLoading(); },
+        FailedWith<std::runtime_error>("Injected failure at Package::ContentProvider::load"));
     EXPECT_TRUE(entriesStartingWith("Package::ContentProvider::waitForFinishLoading").empty());
 }
 

@@ -1,9 +1,12 @@
 #include "platform/proc/FillGeometry.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <stdexcept>
 
+using EditorService::Testing::FailedWith;
 using Velmor::AV::Rect;
 using Velmor::AV::Size;
 using Velmor::Proc::FillGeometry;
@@ -109,12 +112,8 @@ INSTANTIATE_TEST_SUITE_P(Modes, FillGeometryTest, testing::ValuesIn(rows),
                          [](const testing::TestParamInfo<Row>& info) { return info.param.name; });
 
 void expectRefusal(Size source, Size target, const std::string& text) {
-    try {
-        Velmor::Proc::fillGeometry(source, target, SettingsResizer::Fit);
-        ADD_FAILURE() << "no failure";
-    } catch (const std::invalid_argument& error) {
-        EXPECT_EQ(error.what(), text);
-    }
+    EXPECT_THAT([&] { Velmor::Proc::fillGeometry(source, target, SettingsResizer::Fit); },
+                FailedWith<std::invalid_argument>(text));
 }
 
 TEST(FillGeometryFailureTest, TargetWithoutPixelsIsRefused) {
@@ -130,12 +129,12 @@ TEST(FillGeometryFailureTest, SourceWithoutPixelsIsRefused) {
 }
 
 TEST(FillGeometryFailureTest, NumberOutsideTheModesIsRefused) {
-    try {
-        Velmor::Proc::fillGeometry({1, 1}, {1, 1}, static_cast<SettingsResizer::CustomModes>(6));
-        FAIL() << "no failure";
-    } catch (const std::out_of_range& error) {
-        EXPECT_STREQ(error.what(), "No resize mode with the number 6");
-    }
+    EXPECT_THAT(
+        [&] {
+            Velmor::Proc::fillGeometry({1, 1}, {1, 1},
+                                       static_cast<SettingsResizer::CustomModes>(6));
+        },
+        FailedWith<std::out_of_range>("No resize mode with the number 6"));
 }
 
 TEST(FillGeometryBarsTest, BarsSurroundThePaintedRectangle) {

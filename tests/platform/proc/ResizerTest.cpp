@@ -1,5 +1,7 @@
 #include "platform/proc/Resizer.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
@@ -8,6 +10,7 @@ extern "C" {
 #include <libavutil/pixfmt.h>
 }
 
+using EditorService::Testing::FailedWith;
 using Velmor::AV::Frame;
 using Velmor::Proc::Resizer;
 using Velmor::Proc::SettingsResizer;
@@ -280,12 +283,7 @@ TEST(ResizerTest, KeepsResizingFrameAfterFrame) {
 
 template <typename Error>
 void expectConstructionFails(const SettingsResizer& settings, const std::string& text) {
-    try {
-        Resizer resizer(settings);
-        ADD_FAILURE() << "no failure";
-    } catch (const Error& error) {
-        EXPECT_EQ(error.what(), text);
-    }
+    EXPECT_THAT([&] { Resizer resizer(settings); }, FailedWith<Error>(text));
 }
 
 TEST(ResizerTest, SizeWithoutPixelsIsRefusedAtOnce) {
@@ -313,13 +311,9 @@ TEST(ResizerTest, UnknownPixelFormatIsRefusedAtOnce) {
 
 TEST(ResizerTest, EmptySourceIsRefused) {
     Resizer resizer(settings(160, 90, SettingsResizer::Fit, AV_PIX_FMT_RGB24));
-    try {
-        resizer.Resize(Frame());
-        FAIL() << "resized an empty frame";
-    } catch (const std::invalid_argument& error) {
-        EXPECT_STREQ(error.what(),
-                     "Can not resize a picture of 0x0: the width and the height must be positive");
-    }
+    EXPECT_THAT([&] { resizer.Resize(Frame()); },
+                FailedWith<std::invalid_argument>(
+                    "Can not resize a picture of 0x0: the width and the height must be positive"));
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <thread>
 
+using EditorService::Testing::failureText;
 using EditorService::Testing::Recorder;
 using testing::ElementsAre;
 
@@ -28,7 +29,7 @@ TEST(FinallyTest, RunsOnceAfterTheErrorHandlerReturned) {
     Recorder r;
     rxcpp::observable<>::error<int>(std::runtime_error("boom"))
         .finally([&] { r.add("finally"); })
-        .subscribe([](int) {}, [&](std::exception_ptr e) { r.add(Recorder::describe(e)); });
+        .subscribe([](int) {}, [&](std::exception_ptr e) { r.add(failureText(e)); });
     EXPECT_THAT(r.lines(), ElementsAre("boom", "finally"));
 }
 

@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <thread>
 
+using EditorService::Testing::FailedWith;
 using EditorService::Testing::Recorder;
 using testing::ElementsAre;
 
@@ -75,7 +76,7 @@ TEST(ObservableTest, ErrorFromAnExceptionObjectFailsEverySubscriberWithIt) {
     std::exception_ptr second;
     o.subscribe([](int) {}, [&](std::exception_ptr e) { first = e; });
     o.subscribe([](int) {}, [&](std::exception_ptr e) { second = e; });
-    EXPECT_EQ(Recorder::describe(first), "stored");
+    EXPECT_THAT(first, FailedWith<std::runtime_error>("stored"));
     EXPECT_EQ(first, second);
 }
 

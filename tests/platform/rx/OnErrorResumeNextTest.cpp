@@ -7,6 +7,7 @@
 
 #include <stdexcept>
 
+using EditorService::Testing::failureText;
 using EditorService::Testing::Recorder;
 using testing::ElementsAre;
 
@@ -28,7 +29,7 @@ TEST(OnErrorResumeNextTest, ErrorSwitchesToTheSelectedStream) {
     Recorder r;
     source.get_observable()
         .on_error_resume_next([](std::exception_ptr e) {
-            return rxcpp::observable<>::just(Recorder::describe(e) == "boom" ? 99 : -1);
+            return rxcpp::observable<>::just(failureText(e) == "boom" ? 99 : -1);
         })
         .subscribe(r.subscriber<int>());
     source.get_subscriber().on_next(1);

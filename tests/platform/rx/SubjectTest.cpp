@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <thread>
 
+using EditorService::Testing::failureText;
 using EditorService::Testing::Recorder;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -110,9 +111,8 @@ TEST(SubjectTest, ThrowingObserverFailsAloneAndTheOthersGoOn) {
     rxcpp::subjects::subject<int> subject;
     Recorder thrower;
     Recorder other;
-    subject.get_observable().subscribe(
-        [](int) { throw std::runtime_error("observer"); },
-        [&](std::exception_ptr e) { thrower.add(Recorder::describe(e)); });
+    subject.get_observable().subscribe([](int) { throw std::runtime_error("observer"); },
+                                       [&](std::exception_ptr e) { thrower.add(failureText(e)); });
     subject.get_observable().subscribe(other.subscriber<int>());
     subject.get_subscriber().on_next(1);
     subject.get_subscriber().on_next(2);

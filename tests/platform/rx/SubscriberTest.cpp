@@ -7,6 +7,7 @@
 
 #include <stdexcept>
 
+using EditorService::Testing::failureText;
 using EditorService::Testing::Recorder;
 using testing::ElementsAre;
 
@@ -61,8 +62,8 @@ TEST(SubscriberTest, ThrowFromOnNextGoesToTheSameObserversOnErrorWithTheSameObje
 
 TEST(SubscriberTest, SecondFunctionTakingExceptionIsOnError) {
     Recorder r;
-    auto s = rxcpp::make_subscriber<int>(
-        [](int) {}, [&](std::exception_ptr e) { r.add(Recorder::describe(e)); });
+    auto s = rxcpp::make_subscriber<int>([](int) {},
+                                         [&](std::exception_ptr e) { r.add(failureText(e)); });
     s.on_error(std::make_exception_ptr(std::runtime_error("boom")));
     EXPECT_THAT(r.lines(), ElementsAre("boom"));
 }

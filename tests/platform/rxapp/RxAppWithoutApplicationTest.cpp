@@ -1,11 +1,15 @@
 // Runs without the shared test main, so that no QCoreApplication exists.
 #include "platform/rxapp/RxApp.h"
+#include "tests/support/FailedWith.h"
 
 #include <QCoreApplication>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+
+using EditorService::Testing::FailedWith;
 
 namespace {
 
@@ -18,12 +22,8 @@ TEST(RxAppWithoutApplicationTest, InstanceThrowsLogicErrorWhileNoQCoreApplicatio
     ASSERT_EQ(QCoreApplication::instance(), nullptr);
     if (instanceMade)
         GTEST_SKIP() << "the instance was made earlier in this process";
-    try {
-        RxApp::instance();
-        FAIL() << "no exception";
-    } catch (const std::logic_error& e) {
-        EXPECT_STREQ(e.what(), "RxApp needs a live QCoreApplication");
-    }
+    EXPECT_THAT([&] { RxApp::instance(); },
+                FailedWith<std::logic_error>("RxApp needs a live QCoreApplication"));
 }
 
 TEST(RxAppWithoutApplicationTest, NoThreadIsTheMainThreadWhileNoQCoreApplicationExists) {

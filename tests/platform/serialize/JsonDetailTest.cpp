@@ -1,15 +1,15 @@
 #include "platform/serialize/JsonDetail.h"
 
-#include "tests/platform/serialize/Thrown.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <ostream>
 #include <vector>
 
-using EditorService::Testing::Thrown;
-using EditorService::Testing::thrown;
-using EditorService::Testing::thrownBy;
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureOf;
 namespace detail = Serialize::Json::detail;
 
 namespace {
@@ -20,20 +20,20 @@ template <class T> T loaded(const char* document) {
     return value;
 }
 
-template <class T> Thrown loadFailure(const char* document) {
+template <class T> std::exception_ptr loadFailure(const char* document) {
     const auto value = nlohmann::json::parse(document);
-    return thrownBy([&] {
+    return failureOf([&] {
         T target{};
         detail::load(value, target);
     });
 }
 
-Thrown typeError(const std::string& text) {
-    return thrown<nlohmann::json::type_error>("[json.exception.type_error.302] " + text);
+testing::Matcher<std::exception_ptr> typeError(const std::string& text) {
+    return FailedWith<nlohmann::json::type_error>("[json.exception.type_error.302] " + text);
 }
 
-Thrown overflow(const std::string& text) {
-    return thrown<nlohmann::json::out_of_range>("[json.exception.out_of_range.406] " + text);
+testing::Matcher<std::exception_ptr> overflow(const std::string& text) {
+    return FailedWith<nlohmann::json::out_of_range>("[json.exception.out_of_range.406] " + text);
 }
 
 struct IntRow {
@@ -66,7 +66,7 @@ INSTANTIATE_TEST_SUITE_P(
 struct FailureRow {
     const char* name;
     const char* document;
-    Thrown failure;
+    testing::Matcher<std::exception_ptr> failure;
 };
 
 void PrintTo(const FailureRow& row, std::ostream* out) {
@@ -76,7 +76,7 @@ void PrintTo(const FailureRow& row, std::ostream* out) {
 class JsonDetailIntFailureTest : public testing::TestWithParam<FailureRow> {};
 
 TEST_P(JsonDetailIntFailureTest, RaisesTheJsonLibrarysException) {
-    EXPECT_EQ(loadFailure<int>(GetParam().document), GetParam().failure);
+    EXPECT_THAT(loadFailure<int>(GetParam().document), GetParam().failure);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -106,24 +106,24 @@ TEST(JsonDetailTest, LongLongLoadsSixtyFourBitNumbers) {
 }
 
 TEST(JsonDetailTest, LongLongRaisesForWhatDoesNotFit) {
-    EXPECT_EQ(loadFailure<long long>("9223372036854775808"),
-              overflow("number overflow converting '9223372036854775808' to long long"));
-    EXPECT_EQ(loadFailure<long long>("9223372036854775808.0"),
-              overflow("number overflow converting '9.223372036854776e+18' to long long"));
-    EXPECT_EQ(loadFailure<long long>("false"), typeError("type must be number, but is boolean"));
+    EXPECT_THAT(loadFailure<long long>("9223372036854775808"),
+                overflow("number overflow converting '9223372036854775808' to long long"));
+    EXPECT_THAT(loadFailure<long long>("9223372036854775808.0"),
+                overflow("number overflow converting '9.223372036854776e+18' to long long"));
+    EXPECT_THAT(loadFailure<long long>("false"), typeError("type must be number, but is boolean"));
 }
 
 TEST(JsonDetailTest, BoolLoadsABooleanOnly) {
     EXPECT_TRUE(loaded<bool>("true"));
     EXPECT_FALSE(loaded<bool>("false"));
-    EXPECT_EQ(loadFailure<bool>("1"), typeError("type must be boolean, but is number"));
-    EXPECT_EQ(loadFailure<bool>("null"), typeError("type must be boolean, but is null"));
-    EXPECT_EQ(loadFailure<bool>(R"("true")"), typeError("type must be boolean, but is string"));
+    EXPECT_THAT(loadFailure<bool>("1"), typeError("type must be boolean, but is number"));
+    EXPECT_THAT(loadFailure<bool>("null"), typeError("type must be boolean, but is null"));
+    EXPECT_THAT(loadFailure<bool>(R"("true")"), typeError("type must be boolean, but is string"));
 }
 
 TEST(JsonDetailTest, QStringLoadsAStringOnly) {
     EXPECT_EQ(loaded<QString>(R"("Grüße")"), QString::fromUtf8("Grüße"));
-    EXPECT_EQ(loadFailure<QString>("5"), typeError("type must be string, but is number"));
+    EXPECT_THAT(loadFailure<QString>("5"), typeError("type must be string, but is number"));
 }
 
 TEST(JsonDetailTest, SavesEachValueAsItsJsonKind) {

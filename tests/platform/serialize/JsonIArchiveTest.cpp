@@ -1,13 +1,13 @@
 #include "platform/serialize/JsonIArchive.h"
 
 #include "tests/platform/serialize/JsonTestTypes.h"
-#include "tests/platform/serialize/Thrown.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
-using EditorService::Testing::thrown;
-using EditorService::Testing::thrownBy;
+using EditorService::Testing::FailedWith;
 using Serialize::Json::iarchive;
 using SerializeTesting::Point;
 
@@ -79,9 +79,9 @@ TEST(JsonIArchiveTest, FailuresOfTheValuesPassThrough) {
     iarchive archive(document, 0);
     Point point;
 
-    EXPECT_EQ(thrownBy([&] { archive >> point; }),
-              thrown<nlohmann::json::type_error>(
-                  "[json.exception.type_error.302] type must be number, but is string"));
+    EXPECT_THAT([&] { archive >> point; },
+                FailedWith<nlohmann::json::type_error>(
+                    "[json.exception.type_error.302] type must be number, but is string"));
 }
 
 TEST(JsonIArchiveTest, RootWithAnIdIsRegistered) {
@@ -99,8 +99,8 @@ TEST(JsonIArchiveTest, EnteredValueWithAnIdIsRegistered) {
     archive.enter(document["a"]);
     archive.leave();
     EXPECT_EQ(&archive.referencedValue(1), &document["a"]);
-    EXPECT_EQ(thrownBy([&] { archive.referencedValue(2); }),
-              thrown<std::out_of_range>("invalid map<K, T> key"));
+    EXPECT_THAT([&] { archive.referencedValue(2); },
+                FailedWith<std::out_of_range>("invalid map<K, T> key"));
 
     archive.enter(document["c"]);
     archive.leave();
@@ -111,10 +111,10 @@ TEST(JsonIArchiveTest, UnknownIdRaisesOutOfRange) {
     const nlohmann::json document = nlohmann::json::parse(R"({"$id": "1", "x": 1})");
     iarchive archive(document, 0);
 
-    EXPECT_EQ(thrownBy([&] { archive.referencedValue(1); }),
-              thrown<std::out_of_range>("invalid map<K, T> key"));
-    EXPECT_EQ(thrownBy([&] { archive.referencedValue(0); }),
-              thrown<std::out_of_range>("invalid map<K, T> key"));
+    EXPECT_THAT([&] { archive.referencedValue(1); },
+                FailedWith<std::out_of_range>("invalid map<K, T> key"));
+    EXPECT_THAT([&] { archive.referencedValue(0); },
+                FailedWith<std::out_of_range>("invalid map<K, T> key"));
 }
 
 } // namespace

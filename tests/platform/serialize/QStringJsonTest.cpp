@@ -1,12 +1,12 @@
 #include "platform/serialize/QStringJson.h"
 
-#include "tests/platform/serialize/Thrown.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ostream>
 
-using EditorService::Testing::thrown;
-using EditorService::Testing::thrownBy;
+using EditorService::Testing::FailedWith;
 
 namespace {
 
@@ -57,10 +57,10 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(QStringJsonConversionTest, AnythingButAStringRaisesTypeError) {
     for (const char* document : {"5", "null", "true", "[]", "{}", "1.5"}) {
         const auto value = nlohmann::json::parse(document);
-        EXPECT_EQ(thrownBy([&] { value.get<QString>(); }),
-                  thrown<nlohmann::json::type_error>(
-                      std::string("[json.exception.type_error.302] type must be string, but is ")
-                      + value.type_name()))
+        EXPECT_THAT([&] { value.get<QString>(); },
+                    FailedWith<nlohmann::json::type_error>(
+                        std::string("[json.exception.type_error.302] type must be string, but is ")
+                        + value.type_name()))
             << document;
     }
 }

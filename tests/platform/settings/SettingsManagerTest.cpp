@@ -1,15 +1,18 @@
 #include "platform/settings/SettingsManager.h"
 
 #include "platform/foundation/CallLog.h"
+#include "tests/support/FailedWith.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <thread>
 
+using EditorService::Testing::FailedWith;
 using Velmor::App::SettingsManager;
 using Velmor::Testing::CallLog;
 
@@ -76,13 +79,9 @@ TEST_F(SettingsManagerTest, SyncThrowsNamingTheFileWhenItCannotBeWritten) {
     QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, "/dev/null/settings");
     SettingsManager settings("ReelSmith", "Velmor");
     settings.SetValue("Render/Jobs", 3);
-    try {
-        settings.Sync();
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(),
-                     "Cannot write settings file /dev/null/settings/Velmor/ReelSmith.ini");
-    }
+    EXPECT_THAT([&] { settings.Sync(); },
+                FailedWith<std::runtime_error>(
+                    "Cannot write settings file /dev/null/settings/Velmor/ReelSmith.ini"));
 }
 
 TEST_F(SettingsManagerTest, ManyThreadsMayUseOneStore) {

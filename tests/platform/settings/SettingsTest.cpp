@@ -3,12 +3,15 @@
 #include "platform/appcore/CustomizationManager.h"
 #include "platform/foundation/CallLog.h"
 #include "platform/settings/SettingsManager.h"
+#include "tests/support/FailedWith.h"
 
 #include <QSettings>
 #include <QTemporaryDir>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
+using EditorService::Testing::FailedWith;
 using Velmor::App::CustomizationManager;
 using Velmor::App::ISettingsManager;
 using Velmor::App::SettingsManager;
@@ -91,23 +94,15 @@ TEST_F(SettingsTest, OneStoreMayServeAsBoth) {
 TEST_F(SettingsTest, ApplicationSettingsThrowWhenTheStoreIsGone) {
     Settings::init(fullContext());
     application.reset();
-    try {
-        Settings::applicationSettings();
-        FAIL() << "no exception";
-    } catch (const std::logic_error& error) {
-        EXPECT_STREQ(error.what(), "No application settings are available");
-    }
+    EXPECT_THAT([&] { Settings::applicationSettings(); },
+                FailedWith<std::logic_error>("No application settings are available"));
 }
 
 TEST_F(SettingsTest, ProductSettingsThrowWhenTheStoreIsGone) {
     Settings::init(fullContext());
     product.reset();
-    try {
-        Settings::productSettings();
-        FAIL() << "no exception";
-    } catch (const std::logic_error& error) {
-        EXPECT_STREQ(error.what(), "No product settings are available");
-    }
+    EXPECT_THAT([&] { Settings::productSettings(); },
+                FailedWith<std::logic_error>("No product settings are available"));
 }
 
 TEST_F(SettingsTest, ASecondInitReplacesTheContext) {

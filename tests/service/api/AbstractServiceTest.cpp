@@ -2,9 +2,12 @@
 
 #include "service/api/HelpException.h"
 #include "tests/service/api/CountingService.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+using EditorService::Testing::FailedWith;
 using namespace EditorService;
 using EditorService::Testing::CountingService;
 
@@ -46,11 +49,7 @@ TEST(AbstractServiceTest, LoadFailureIsTheErrorOfTheStreamAndNotAThrow) {
     ASSERT_NO_THROW(stream = service.run(QStringList{"program", "many"}));
     const auto collected = collect(stream);
     ASSERT_TRUE(collected.error);
-    try {
-        std::rethrow_exception(collected.error);
-    } catch (const Error& error) {
-        EXPECT_STREQ(error.what(), "count expected");
-    }
+    EXPECT_THAT(collected.error, FailedWith<Error>("count expected"));
     EXPECT_TRUE(collected.values.empty());
 }
 
@@ -76,12 +75,8 @@ TEST(AbstractServiceTest, StreamSubscribedAfterTheServiceIsGoneRunsToItsEnd) {
 
 TEST(AbstractServiceTest, ServiceWithoutSerializerFailsItsCommandLineRunWithError) {
     ServiceWithoutSerializer service;
-    try {
-        service.requestSerializer();
-        FAIL() << "Error expected";
-    } catch (const Error& error) {
-        EXPECT_STREQ(error.what(), "This service reads no requests from a command line or JSON");
-    }
+    EXPECT_THAT([&] { service.requestSerializer(); },
+                FailedWith<Error>("This service reads no requests from a command line or JSON"));
     const auto collected = collect(service.run(QStringList{"program"}));
     EXPECT_TRUE(collected.error);
 }

@@ -2,11 +2,14 @@
 
 #include "service/api/Error.h"
 #include "tests/service/api/CountingService.h"
+#include "tests/support/FailedWith.h"
 
 #include <atomic>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <thread>
 
+using EditorService::Testing::FailedWith;
 using namespace EditorService;
 
 namespace {
@@ -31,35 +34,24 @@ TEST(ServiceLoaderTest, CreatesANewServiceForEveryCall) {
 
 TEST(ServiceLoaderTest, UnknownNameThrowsErrorNamingItAndTheKnownOnes) {
     const auto loader = makeLoader();
-    try {
-        loader->createService(QStringLiteral("nosuch"));
-        FAIL() << "Error expected";
-    } catch (const Error& error) {
-        EXPECT_STREQ(error.what(), "Unknown service \"nosuch\", known services: alpha, count");
-    }
+    EXPECT_THAT([&] { loader->createService(QStringLiteral("nosuch")); },
+                FailedWith<Error>("Unknown service \"nosuch\", known services: alpha, count"));
 }
 
 TEST(ServiceLoaderTest, UnknownNameIsQuotedWithControlCharactersQuotesAndBackslashesEscaped) {
     const auto loader = makeLoader();
     const QString name = QStringLiteral("a\tb\nc\"d\\e") + QChar(0) + QChar(0x7f) + QChar(0xe9);
-    try {
-        loader->createService(name);
-        FAIL() << "Error expected";
-    } catch (const Error& error) {
-        EXPECT_EQ(std::string(error.what()),
-                  "Unknown service \"a\\x09b\\x0ac\\\"d\\\\e\\x00\\x7f\xc3\xa9\", known services: "
-                  "alpha, count");
-    }
+    EXPECT_THAT(
+        [&] { loader->createService(name); },
+        FailedWith<Error>(
+            "Unknown service \"a\\x09b\\x0ac\\\"d\\\\e\\x00\\x7f\xc3\xa9\", known services: "
+            "alpha, count"));
 }
 
 TEST(ServiceLoaderTest, PlaceholdersInAnUnknownNameAreQuotedAsTheyCame) {
     const auto loader = makeLoader();
-    try {
-        loader->createService(QStringLiteral("%2%1"));
-        FAIL() << "Error expected";
-    } catch (const Error& error) {
-        EXPECT_STREQ(error.what(), "Unknown service \"%2%1\", known services: alpha, count");
-    }
+    EXPECT_THAT([&] { loader->createService(QStringLiteral("%2%1")); },
+                FailedWith<Error>("Unknown service \"%2%1\", known services: alpha, count"));
 }
 
 TEST(ServiceLoaderTest, FactoryReceivesTheLoadersOwnWeakPointer) {

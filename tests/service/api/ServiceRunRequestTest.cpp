@@ -1,9 +1,12 @@
 #include "service/api/ServiceRunRequest.h"
 
 #include "service/api/Error.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+using EditorService::Testing::FailedWith;
 using namespace EditorService;
 
 namespace {
@@ -67,12 +70,8 @@ TEST(ServiceRunRequestTest, NoServiceNameThrowsError) {
     for (const QStringList& commandLine :
          {QStringList{}, QStringList{"app"}, QStringList{"app", "--x"}, QStringList{"app", "--"},
           QStringList{"app", "--timeout", "5"}}) {
-        try {
-            ServiceRunRequest::fromCli(commandLine, hostOptions);
-            ADD_FAILURE() << "Error expected for " << commandLine.join(' ').toStdString();
-        } catch (const Error& error) {
-            EXPECT_STREQ(error.what(), "No service specified");
-        }
+        EXPECT_THAT([&] { ServiceRunRequest::fromCli(commandLine, hostOptions); },
+                    FailedWith<Error>("No service specified"));
     }
 }
 

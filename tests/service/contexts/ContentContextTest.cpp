@@ -4,6 +4,7 @@
 #include "platform/foundation/CallLog.h"
 #include "platform/model/CollectionID.h"
 #include "tests/service/contexts/RuntimeFixture.h"
+#include "tests/support/FailedWith.h"
 
 #include <atomic>
 #include <future>
@@ -14,6 +15,7 @@
 
 using EditorService::AbstractContext;
 using EditorService::ContentContext;
+using EditorService::Testing::FailedWith;
 using Velmor::Testing::CallLog;
 using Velmor::Testing::Probe;
 
@@ -178,12 +180,9 @@ INSTANTIATE_TEST_SUITE_P(Counts, ContentContextPackagesTest,
 
 TEST_F(ContentContextTest, AFieldConstructorThatThrowsUnwindsTheFieldsBuiltSoFar) {
     Probe::failNext("Effect::ContentProvider::ContentProvider");
-    try {
-        const ContentContext context;
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "Injected failure at Effect::ContentProvider::ContentProvider");
-    }
+    EXPECT_THAT([&] { const ContentContext context; },
+                FailedWith<std::runtime_error>(
+                    "Injected failure at Effect::ContentProvider::ContentProvider"));
     const std::vector<std::string> expected{
         "Overlay::ContentProvider::~ContentProvider",
         "Import::ContentProvider::~ContentProvider",
@@ -202,13 +201,9 @@ TEST_F(ContentContextTest, AFieldConstructorThatThrowsUnwindsTheFieldsBuiltSoFar
 
 TEST_F(ContentContextTest, AFailureOfTheWaitDestroysTheWholePrivatePart) {
     Probe::failNext("Package::ContentProvider::waitForFinishLoading");
-    try {
-        const ContentContext context;
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(),
-                     "Injected failure at Package::ContentProvider::waitForFinishLoading");
-    }
+    EXPECT_THAT([&] { const ContentContext context; },
+                FailedWith<std::runtime_error>(
+                    "Injected failure at Package::ContentProvider::waitForFinishLoading"));
     const auto entries = withoutLoaderEntries(CallLog::entries());
     ASSERT_GE(entries.size(), fieldsDestroyed.size());
     EXPECT_EQ(std::vector<std::string>(entries.end() - fieldsDestroyed.size(), entries.end()),

@@ -8,6 +8,7 @@
 #include "platform/foundation/CallLog.h"
 #include "platform/ogl/OglManager.h"
 #include "tests/service/contexts/RuntimeFixture.h"
+#include "tests/support/FailedWith.h"
 
 #include <QDir>
 #include <QFile>
@@ -19,6 +20,7 @@
 
 using EditorService::AbstractContext;
 using EditorService::EngineContext;
+using EditorService::Testing::FailedWith;
 using Velmor::Core::CoreManager;
 using Velmor::Core::PluginRegistry;
 using Velmor::Ogl::OglManager;
@@ -174,12 +176,8 @@ class EngineContextFailureTest : public EngineContextTest,
 TEST_P(EngineContextFailureTest, LeavesTheConstructorAndShutsNothingDown) {
     const std::string point = GetParam().point;
     Probe::failNext(point);
-    try {
-        const EngineContext context({"app"});
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_EQ(error.what(), "Injected failure at " + point);
-    }
+    EXPECT_THAT([&] { const EngineContext context({"app"}); },
+                FailedWith<std::runtime_error>("Injected failure at " + point));
     EXPECT_EQ(count("OglManager::Deinitialize"), 0);
     EXPECT_EQ(count("CoreManager::Uninitialize"), 0);
     CoreManager::Instance().Uninitialize();

@@ -8,6 +8,7 @@
 #include "service/contexts/EngineContext.h"
 #include "service/contexts/MediaContext.h"
 #include "tests/service/contexts/RuntimeFixture.h"
+#include "tests/support/FailedWith.h"
 
 #include <QCoreApplication>
 #include <QMetaEnum>
@@ -19,6 +20,7 @@
 #include <thread>
 
 using EditorService::GlobalContextProvider;
+using EditorService::Testing::FailedWith;
 using Velmor::Testing::CallLog;
 using Velmor::Testing::Probe;
 
@@ -247,12 +249,8 @@ TEST_F(GlobalContextProviderTest, AnUnknownResourceThrowsInvalidArgumentAndStore
     GlobalContextProvider provider({"app"});
     const auto unknown = static_cast<GlobalContextProvider::Resource>(1);
     for (int attempt = 0; attempt < 2; ++attempt) {
-        try {
-            provider.resource(unknown);
-            FAIL() << "no exception";
-        } catch (const std::invalid_argument& error) {
-            EXPECT_STREQ(error.what(), "Unknown resource requested");
-        }
+        EXPECT_THAT([&] { provider.resource(unknown); },
+                    FailedWith<std::invalid_argument>("Unknown resource requested"));
     }
     // The lock was released: another thread gets through.
     std::thread other([&provider] { provider.require(GlobalContextProvider::Engine); });
@@ -303,12 +301,9 @@ TEST_F(GlobalContextProviderTest,
        AContextConstructorThatThrowsStoresNothingAndKeepsItsDependencies) {
     GlobalContextProvider provider({"app"});
     Probe::failNext("Media::StreamProvider::StreamProvider");
-    try {
-        provider.require(GlobalContextProvider::Content);
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "Injected failure at Media::StreamProvider::StreamProvider");
-    }
+    EXPECT_THAT([&] { provider.require(GlobalContextProvider::Content); },
+                FailedWith<std::runtime_error>(
+                    "Injected failure at Media::StreamProvider::StreamProvider"));
     EXPECT_EQ(contextsBuilt(), (Names{"Engine", "Media"}));
     EXPECT_EQ(count("CoreManager::Uninitialize"), 0);
     EXPECT_EQ(count("Resource::RedirectionTableHolder::RedirectionTableHolder"), 0);
@@ -338,12 +333,12 @@ TEST_F(GlobalContextProviderTest, TheLockIsReleasedWhenAContextConstructorThrows
 
 TEST_F(GlobalContextProviderTest, AFailedHotStartDestroysWhatWasBuiltAndLeavesTheConstructor) {
     Probe::failNext("Theme::ContentProvider::ContentProvider");
-    try {
-        GlobalContextProvider provider({"app", "--hot-start"});
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "Injected failure at Theme::ContentProvider::ContentProvider");
-    }
+    EXPECT_THAT(
+        [&] {
+            GlobalContextProvider provider({"app", "--hot-start"});
+        },
+        FailedWith<std::runtime_error>(
+            "Injected failure at Theme::ContentProvider::ContentProvider"));
     EXPECT_EQ(contextsBuilt(), (Names{"Engine", "Media", "Content"}));
     EXPECT_EQ(contextsDestroyed(), (Names{"Content", "Media", "Engine"}));
     // Only the destructor clears the instance, and it never ran.

@@ -6,6 +6,7 @@
 #include "platform/foundation/CallLog.h"
 #include "tests/service/contexts/RuntimeFixture.h"
 #include "tests/support/EventLoop.h"
+#include "tests/support/FailedWith.h"
 
 #include <QThread>
 #include <future>
@@ -15,6 +16,7 @@
 
 using EditorService::AbstractContext;
 using EditorService::MediaContext;
+using EditorService::Testing::FailedWith;
 using EditorService::Testing::spinUntil;
 using Velmor::Testing::CallLog;
 using Velmor::Testing::Probe;
@@ -85,12 +87,9 @@ TEST_F(MediaContextTest, BuildsItsSevenFieldsInOrderAndTearsThemDownInReverse) {
 
 TEST_F(MediaContextTest, AFieldConstructorThatThrowsUnwindsTheFieldsBuiltSoFar) {
     Probe::failNext("Media::FileController::FileController");
-    try {
-        const MediaContext context({"app"});
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "Injected failure at Media::FileController::FileController");
-    }
+    EXPECT_THAT([&] { const MediaContext context({"app"}); },
+                FailedWith<std::runtime_error>(
+                    "Injected failure at Media::FileController::FileController"));
     const std::vector<std::string> expected{"Connection::Synchronizer::Synchronizer",
                                             "Core::ExecutorFactory::ExecutorFactory",
                                             "Core::StreamProcessorFactory::StreamProcessorFactory",

@@ -3,6 +3,7 @@
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
 #include "tests/service/contexts/RuntimeFixture.h"
+#include "tests/support/FailedWith.h"
 
 #include <optional>
 #include <stdexcept>
@@ -10,6 +11,7 @@
 
 using EditorService::AbstractContext;
 using EditorService::RenderContext;
+using EditorService::Testing::FailedWith;
 using Velmor::Testing::CallLog;
 using Velmor::Testing::Probe;
 
@@ -44,12 +46,9 @@ TEST_F(RenderContextTest, TearsDownInReverseAndTheExtractorGoesWithTheThumbnailC
 
 TEST_F(RenderContextTest, AFieldConstructorThatThrowsUnwindsTheFieldsBuiltSoFar) {
     Probe::failNext("Thumbnail::Controller::Controller");
-    try {
-        const RenderContext context;
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "Injected failure at Thumbnail::Controller::Controller");
-    }
+    EXPECT_THAT(
+        [&] { const RenderContext context; },
+        FailedWith<std::runtime_error>("Injected failure at Thumbnail::Controller::Controller"));
     const std::vector<std::string> expected{"Composition::Controller::Controller",
                                             "State::Controller::Controller",
                                             "FastTrack::ControllerStub::ControllerStub",

@@ -6,6 +6,7 @@
 #include "platform/settings/Settings.h"
 #include "platform/settings/SettingsManager.h"
 #include "tests/platform/editorutil/VirtualSlot.h"
+#include "tests/support/FailedWith.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -17,12 +18,14 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <functional>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <ostream>
 #include <stdexcept>
 #include <thread>
 
+using EditorService::Testing::FailedWith;
 using EditorService::Testing::virtualSlot;
 using Velmor::Testing::CallLog;
 
@@ -336,15 +339,11 @@ TEST_F(CLILauncherTest, InstanceIsNullWhileAnotherKindOfLauncherIsRegistered) {
 TEST_F(CLILauncherTest, AMalformedCustomizationFileFailsConstructionWithNothingRegistered) {
     writeCustomization("[Customization]\nProductVersion=1.x\n");
     QCoreApplication::setApplicationVersion("0.0");
-    try {
-        CLILauncher launcher;
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_EQ(std::string(error.what()),
-                  QStringLiteral("Invalid product version \"1.x\" in %1")
-                      .arg(QDir::current().absoluteFilePath(customizationFile))
-                      .toStdString());
-    }
+    EXPECT_THAT(
+        [&] { CLILauncher launcher; },
+        FailedWith<std::runtime_error>(QStringLiteral("Invalid product version \"1.x\" in %1")
+                                           .arg(QDir::current().absoluteFilePath(customizationFile))
+                                           .toStdString()));
     EXPECT_EQ(CLILauncher::instance(), nullptr);
     EXPECT_EQ(Launcher::instance(), nullptr);
     EXPECT_EQ(QCoreApplication::applicationVersion(), "0.0");
@@ -358,12 +357,8 @@ TEST_F(CLILauncherTest, ALaterFailureReleasesWhatWasBuiltInReverseOrder) {
     writeCustomization(customizationWithProductStore);
     const OtherLauncher other;
     CallLog::clear();
-    try {
-        CLILauncher launcher;
-        FAIL() << "no exception";
-    } catch (const std::logic_error& error) {
-        EXPECT_STREQ(error.what(), "A launcher is already registered");
-    }
+    EXPECT_THAT([&] { CLILauncher launcher; },
+                FailedWith<std::logic_error>("A launcher is already registered"));
     EXPECT_EQ(CLILauncher::instance(), nullptr);
     EXPECT_EQ(Launcher::instance(), &other);
     EXPECT_EQ(entriesFrom("Launcher::registerInstance"),

@@ -4,12 +4,16 @@
 #include "platform/foundation/CallLog.h"
 #include "platform/model/Video.h"
 #include "service/api/Error.h"
+#include "tests/support/FailedWith.h"
 
 #include <algorithm>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using EditorService::Error;
 using EditorService::PresetContext;
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureOf;
 using Velmor::Proc::SettingsResizer;
 using Velmor::Testing::CallLog;
 
@@ -33,13 +37,8 @@ Preset storedPreset(const std::string& id) {
     return provider.preset();
 }
 
-std::string failure(const PresetContext& context, const Media::Video* video) {
-    try {
-        context.makeProvider(video);
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no failure";
+std::exception_ptr failure(const PresetContext& context, const Media::Video* video) {
+    return failureOf([&] { context.makeProvider(video); });
 }
 
 int count(const std::vector<std::string>& entries, const std::string& prefix) {
@@ -132,7 +131,7 @@ TEST_F(PresetContextMakeProviderTest, UnknownPresetListsTheAvailableOnesAndUpdat
     PresetContext context;
     context.preset = QStringLiteral("4320p");
     const Media::Video video{1920, 1080};
-    EXPECT_EQ(failure(context, &video), unknownPresetMessage("4320p"));
+    EXPECT_THAT(failure(context, &video), FailedWith<Error>(unknownPresetMessage("4320p")));
     const auto entries = CallLog::entries();
     EXPECT_EQ(count(entries, updatePreset), 0);
     EXPECT_EQ(count(entries, updateResolution), 0);
@@ -142,34 +141,35 @@ TEST_F(PresetContextMakeProviderTest, UnknownPresetListsTheAvailableOnesAndUpdat
 TEST_F(PresetContextMakeProviderTest, PresetNameIsComparedWithCase) {
     PresetContext context;
     context.preset = QStringLiteral("MP4");
-    EXPECT_EQ(failure(context, nullptr), unknownPresetMessage("MP4"));
+    EXPECT_THAT(failure(context, nullptr), FailedWith<Error>(unknownPresetMessage("MP4")));
 }
 
 TEST_F(PresetContextMakeProviderTest, PlaceholdersInAnUnknownPresetNameAreQuotedAsTheyCame) {
     for (const char* name : {"%2", "a%1b", "%1", "%2%1", "100%"}) {
         PresetContext context;
         context.preset = QString::fromUtf8(name);
-        EXPECT_EQ(failure(context, nullptr), unknownPresetMessage(name));
+        EXPECT_THAT(failure(context, nullptr), FailedWith<Error>(unknownPresetMessage(name)));
     }
 }
 
 TEST_F(PresetContextMakeProviderTest, PlaceholdersInAnUnexpectedCodecAreQuotedAsTheyCame) {
     PresetContext context;
     context.videoCodec = QStringLiteral("%1%2");
-    EXPECT_EQ(failure(context, nullptr), "Unexpected video codec for preset: %1%2");
+    EXPECT_THAT(failure(context, nullptr),
+                FailedWith<Error>("Unexpected video codec for preset: %1%2"));
 }
 
 TEST_F(PresetContextMakeProviderTest, EmptyPresetNameIsUnknown) {
     PresetContext context;
     context.preset = QString();
-    EXPECT_EQ(failure(context, nullptr), unknownPresetMessage(""));
+    EXPECT_THAT(failure(context, nullptr), FailedWith<Error>(unknownPresetMessage("")));
 }
 
 TEST_F(PresetContextMakeProviderTest, UnknownCodecWithUnknownPresetReportsThePreset) {
     PresetContext context;
     context.preset = QStringLiteral("8k");
     context.videoCodec = QStringLiteral("CODEC_ID_NONE");
-    EXPECT_EQ(failure(context, nullptr), unknownPresetMessage("8k"));
+    EXPECT_THAT(failure(context, nullptr), FailedWith<Error>(unknownPresetMessage("8k")));
 }
 
 TEST_F(PresetContextMakeProviderTest, OddFrameSizeWithUnknownCodecReportsTheCodec) {
@@ -177,7 +177,8 @@ TEST_F(PresetContextMakeProviderTest, OddFrameSizeWithUnknownCodecReportsTheCode
     context.videoCodec = QStringLiteral("CODEC_ID_NONE");
     context.frameSize = PresetFrameSize(1279, 719);
     const Media::Video video{1920, 1080};
-    EXPECT_EQ(failure(context, &video), "Unexpected video codec for preset: CODEC_ID_NONE");
+    EXPECT_THAT(failure(context, &video),
+                FailedWith<Error>("Unexpected video codec for preset: CODEC_ID_NONE"));
 }
 
 TEST_F(PresetContextMakeProviderTest, CodecOfThePresetIsSelected) {
@@ -192,7 +193,8 @@ TEST_F(PresetContextMakeProviderTest, CodecFailureGivesTheWorkingCopyBackBeforeR
     context.preset = QStringLiteral("720p");
     context.videoCodec = QStringLiteral("CODEC_ID_HEVC");
     const Media::Video video{1920, 1080};
-    EXPECT_EQ(failure(context, &video), "Unexpected video codec for preset: CODEC_ID_HEVC");
+    EXPECT_THAT(failure(context, &video),
+                FailedWith<Error>("Unexpected video codec for preset: CODEC_ID_HEVC"));
     const auto entries = CallLog::entries();
     EXPECT_EQ(count(entries, updatePreset), 1);
     EXPECT_EQ(count(entries, updateResolution), 1);
@@ -210,7 +212,7 @@ TEST_F(PresetContextMakeProviderTest, FrameSizeFailureHasAppliedTheEarlierOverri
     context.frameSize = PresetFrameSize(1281, 720);
     context.videoBitrate = 1200000;
     const Media::Video video{1920, 1080};
-    EXPECT_EQ(failure(context, &video), "Frame size must be even.");
+    EXPECT_THAT(failure(context, &video), FailedWith<Error>("Frame size must be even."));
     const auto entries = CallLog::entries();
     EXPECT_EQ(count(entries, updatePreset), 1);
     EXPECT_EQ(presetCalls(beforeUpdate(entries)),
@@ -304,7 +306,7 @@ TEST_F(PresetContextMakeProviderTest, OriginalSizeOfAProjectOf1921By1080IsOdd) {
     PresetContext context;
     context.frameSize = PresetFrameSize();
     const Media::Video video{1921, 1080};
-    EXPECT_EQ(failure(context, &video), "Frame size must be even.");
+    EXPECT_THAT(failure(context, &video), FailedWith<Error>("Frame size must be even."));
     EXPECT_EQ(count(CallLog::entries(), updatePreset), 1);
     EXPECT_EQ(count(beforeUpdate(CallLog::entries()), "Preset::setWidth"), 0);
 }

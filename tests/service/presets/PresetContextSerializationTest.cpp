@@ -4,12 +4,17 @@
 #include "service/api/HelpException.h"
 #include "service/requests/OptionDumper.h"
 #include "tests/service/presets/PresetRequest.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
 using EditorService::Error;
 using EditorService::PresetContext;
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureOf;
+using EditorService::Testing::failureText;
 using EditorService::Testing::PresetRequest;
 using Velmor::Proc::SettingsResizer;
 
@@ -51,13 +56,8 @@ PresetRequest requestOf(const PresetContext& context) {
     return request;
 }
 
-template <class Exception> std::string failureOf(const QStringList& arguments) {
-    try {
-        fromCli(arguments);
-    } catch (const Exception& error) {
-        return error.what();
-    }
-    return "no failure";
+std::exception_ptr cliFailure(const QStringList& arguments) {
+    return failureOf([&] { fromCli(arguments); });
 }
 
 TEST(PresetContextSerializationTest, OptionsAreTheSixInTheirOrder) {
@@ -137,39 +137,42 @@ TEST(PresetContextSerializationTest, EmptyJsonGivesTheDefaultContext) {
 }
 
 TEST(PresetContextSerializationTest, UnreadableFrameSizeFailsWithItsOwnMessage) {
-    EXPECT_EQ(failureOf<Error>({"--preset-frame-size=1920x1080"}),
-              "Can not parse frame size \"1920x1080\", expects \"width:height\"");
+    EXPECT_THAT(
+        cliFailure({"--preset-frame-size=1920x1080"}),
+        FailedWith<Error>("Can not parse frame size \"1920x1080\", expects \"width:height\""));
 }
 
 TEST(PresetContextSerializationTest, UnknownResizeModeFailsWithTheModeList) {
-    EXPECT_EQ(failureOf<Error>({"--preset-resize-fill-mode=fit"}),
-              "Can not parse preset resize mode \"fit\", expects one of "
-              "Fit,Fill,Stretch,FitWidth,FitHeight,Center");
-    EXPECT_EQ(failureOf<Error>({"--preset-resize-fill-mode="}),
-              "Can not parse preset resize mode \"\", expects one of "
-              "Fit,Fill,Stretch,FitWidth,FitHeight,Center");
+    EXPECT_THAT(cliFailure({"--preset-resize-fill-mode=fit"}),
+                FailedWith<Error>("Can not parse preset resize mode \"fit\", expects one of "
+                                  "Fit,Fill,Stretch,FitWidth,FitHeight,Center"));
+    EXPECT_THAT(cliFailure({"--preset-resize-fill-mode="}),
+                FailedWith<Error>("Can not parse preset resize mode \"\", expects one of "
+                                  "Fit,Fill,Stretch,FitWidth,FitHeight,Center"));
 }
 
 TEST(PresetContextSerializationTest, UnreadableBitrateFailsAsANumber) {
-    EXPECT_EQ(failureOf<std::runtime_error>({"--preset-video-bitrate=fast"}),
-              "Can not parse \"fast\" as long long");
+    EXPECT_THAT(cliFailure({"--preset-video-bitrate=fast"}),
+                FailedWith<std::runtime_error>("Can not parse \"fast\" as long long"));
 }
 
 TEST(PresetContextSerializationTest, JsonOfTheWrongKindIsRefused) {
     EXPECT_THROW(fromJson(nlohmann::json{{"preset-frame-size", 1080}}), nlohmann::json::type_error);
     EXPECT_THROW(fromJson(nlohmann::json{{"preset-resize-fill-mode", 2}}),
                  nlohmann::json::type_error);
-    try {
-        fromJson(nlohmann::json{{"preset-resize-fill-mode", "Letterbox"}});
-        ADD_FAILURE() << "no failure";
-    } catch (const Error& error) {
-        EXPECT_STREQ(error.what(), "Can not parse preset resize mode \"Letterbox\", expects one "
-                                   "of Fit,Fill,Stretch,FitWidth,FitHeight,Center");
-    }
+    EXPECT_THAT(
+        [&] {
+            fromJson(nlohmann::json{{"preset-resize-fill-mode", "Letterbox"}});
+        },
+        FailedWith<Error>("Can not parse preset resize mode \"Letterbox\", expects one "
+                          "of Fit,Fill,Stretch,FitWidth,FitHeight,Center"));
 }
 
 TEST(PresetContextSerializationTest, HelpListsTheOptions) {
-    const std::string help = failureOf<EditorService::CLI::HelpException>({"--help"});
+    const auto failure = cliFailure({"--help"});
+    ASSERT_TRUE(failure);
+    EXPECT_THROW(std::rethrow_exception(failure), EditorService::CLI::HelpException);
+    const std::string help = failureText(failure);
     EXPECT_NE(help.find("--preset-resize-fill-mode <preset-resize-mode>"), std::string::npos);
     EXPECT_NE(help.find("--preset-frame-size <original|<width>:<height>>"), std::string::npos);
     EXPECT_NE(help.find("--preset-video-bitrate <Bitrate in bps>"), std::string::npos);

@@ -2,25 +2,24 @@
 
 #include "platform/proc/IResize.h"
 #include "service/api/Error.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <thread>
 #include <vector>
 
 using EditorService::Error;
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureOf;
 using Velmor::Proc::SettingsResizer;
 
 namespace {
 
 const char* const allModes = "Fit,Fill,Stretch,FitWidth,FitHeight,Center";
 
-std::string readFailure(SettingsResizer::CustomModes& mode, const QString& text) {
-    try {
-        mode << text;
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no failure";
+std::exception_ptr readFailure(SettingsResizer::CustomModes& mode, const QString& text) {
+    return failureOf([&] { mode << text; });
 }
 
 TEST(ResizeFillModeTest, ListHoldsTheSixNamesInNumberOrder) {
@@ -73,9 +72,10 @@ class ResizeFillModeFailureTest : public testing::TestWithParam<FailureRow> {};
 
 TEST_P(ResizeFillModeFailureTest, FailsWithEveryNameAndLeavesTheMode) {
     SettingsResizer::CustomModes mode = SettingsResizer::FitHeight;
-    EXPECT_EQ(readFailure(mode, GetParam().text), "Can not parse preset resize mode \""
-                                                      + GetParam().text.toStdString()
-                                                      + "\", expects one of " + allModes);
+    EXPECT_THAT(readFailure(mode, GetParam().text),
+                FailedWith<Error>("Can not parse preset resize mode \""
+                                  + GetParam().text.toStdString() + "\", expects one of "
+                                  + allModes));
     EXPECT_EQ(mode, SettingsResizer::FitHeight);
 }
 

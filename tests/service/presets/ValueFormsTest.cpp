@@ -1,30 +1,24 @@
 #include "service/requests/ValueForms.h"
 
 #include "service/api/Error.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureOf;
 using namespace EditorService::CLI::extension;
 using EditorService::Error;
 
 namespace {
 
-std::string rangeFailure(const QString& text) {
-    try {
-        parseRange(text);
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no failure";
+std::exception_ptr rangeFailure(const QString& text) {
+    return failureOf([&] { parseRange(text); });
 }
 
-std::string frameSizeFailure(const QString& text) {
-    try {
-        parseFrameSize(text);
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no failure";
+std::exception_ptr frameSizeFailure(const QString& text) {
+    return failureOf([&] { parseFrameSize(text); });
 }
 
 TEST(ValueFormsTest, EmptyTextIsTheDefaultRangeBothWays) {
@@ -57,8 +51,8 @@ TEST(ValueFormsTest, LargestRangeBoundsAreWrittenInFull) {
 
 TEST(ValueFormsTest, NegativeRangeMadeInCodeCannotBeReadBack) {
     EXPECT_EQ(dumpRange(Types::Range(-5, 10)), QStringLiteral("-5:10"));
-    EXPECT_EQ(rangeFailure(QStringLiteral("-5:10")),
-              "Can not parse range \"-5:10\", expects \"ms:ms\"");
+    EXPECT_THAT(rangeFailure(QStringLiteral("-5:10")),
+                FailedWith<Error>("Can not parse range \"-5:10\", expects \"ms:ms\""));
 }
 
 TEST(ValueFormsTest, RangeBoundOfTwentyDigitsBeginsAtZero) {
@@ -104,8 +98,9 @@ TEST(ValueFormsTest, WidthBeyond32BitsIsZero) {
 TEST(ValueFormsTest, OneSideAtMinusOneIsWrittenAndCannotBeReadBack) {
     const PresetFrameSize size(-1, 1080);
     EXPECT_EQ(dumpFrameSize(size), QStringLiteral("-1:1080"));
-    EXPECT_EQ(frameSizeFailure(dumpFrameSize(size)),
-              "Can not parse frame size \"-1:1080\", expects \"width:height\"");
+    EXPECT_THAT(
+        frameSizeFailure(dumpFrameSize(size)),
+        FailedWith<Error>("Can not parse frame size \"-1:1080\", expects \"width:height\""));
 }
 
 struct FailureRow {
@@ -143,9 +138,10 @@ class ValueFormsRangeFailureTest : public testing::TestWithParam<FailureRow> {};
 
 TEST_P(ValueFormsRangeFailureTest, FailsWithTheRangeMessage) {
     const QString& text = GetParam().text;
-    EXPECT_EQ(
-        rangeFailure(text),
-        QStringLiteral("Can not parse range \"%1\", expects \"ms:ms\"").arg(text).toStdString());
+    EXPECT_THAT(rangeFailure(text),
+                FailedWith<Error>(QStringLiteral("Can not parse range \"%1\", expects \"ms:ms\"")
+                                      .arg(text)
+                                      .toStdString()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, ValueFormsRangeFailureTest, unreadablePairs, rowName);
@@ -154,10 +150,11 @@ class ValueFormsFrameSizeFailureTest : public testing::TestWithParam<FailureRow>
 
 TEST_P(ValueFormsFrameSizeFailureTest, FailsWithTheFrameSizeMessage) {
     const QString& text = GetParam().text;
-    EXPECT_EQ(frameSizeFailure(text),
-              QStringLiteral("Can not parse frame size \"%1\", expects \"width:height\"")
-                  .arg(text)
-                  .toStdString());
+    EXPECT_THAT(frameSizeFailure(text),
+                FailedWith<Error>(
+                    QStringLiteral("Can not parse frame size \"%1\", expects \"width:height\"")
+                        .arg(text)
+                        .toStdString()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, ValueFormsFrameSizeFailureTest, unreadablePairs, rowName);
@@ -203,10 +200,11 @@ TEST(ValueFormsTest, JsonHoldsTheSameTexts) {
 }
 
 TEST(ValueFormsTest, FailureQuotesTheTextAsItCame) {
-    EXPECT_EQ(frameSizeFailure(QStringLiteral("ORIGINAL")),
-              "Can not parse frame size \"ORIGINAL\", expects \"width:height\"");
-    EXPECT_EQ(rangeFailure(QStringLiteral(" 1:2")),
-              "Can not parse range \" 1:2\", expects \"ms:ms\"");
+    EXPECT_THAT(
+        frameSizeFailure(QStringLiteral("ORIGINAL")),
+        FailedWith<Error>("Can not parse frame size \"ORIGINAL\", expects \"width:height\""));
+    EXPECT_THAT(rangeFailure(QStringLiteral(" 1:2")),
+                FailedWith<Error>("Can not parse range \" 1:2\", expects \"ms:ms\""));
 }
 
 } // namespace

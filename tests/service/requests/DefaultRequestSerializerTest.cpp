@@ -2,11 +2,12 @@
 
 #include "service/api/Error.h"
 #include "service/api/HelpException.h"
-#include "tests/platform/serialize/Thrown.h"
 #include "tests/service/requests/SampleRequest.h"
+#include "tests/support/FailedWith.h"
 
 #include <QCommandLineParser>
 #include <functional>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <typeinfo>
@@ -16,10 +17,9 @@ using EditorService::DefaultRequestSerializer;
 using EditorService::Error;
 using EditorService::Request;
 using EditorService::CLI::HelpException;
+using EditorService::Testing::FailedWith;
 using EditorService::Testing::LimitRequest;
 using EditorService::Testing::SampleRequest;
-using EditorService::Testing::thrown;
-using EditorService::Testing::thrownBy;
 
 namespace {
 
@@ -68,17 +68,17 @@ TEST(DefaultRequestSerializerTest, LoadsFromJsonAndValidatesTwice) {
 TEST(DefaultRequestSerializerTest, ValidationFailurePassesThroughUnchanged) {
     DefaultRequestSerializer<CheckedRequest> serializer;
 
-    EXPECT_EQ(thrownBy([&] { serializer.loadFromCli({"--limit=-2"}); }),
-              thrown<Error>("The limit must not be negative"));
-    EXPECT_EQ(thrownBy([&] { serializer.loadFromJson(nlohmann::json::parse(R"({"limit": -2})")); }),
-              thrown<Error>("The limit must not be negative"));
+    EXPECT_THAT([&] { serializer.loadFromCli({"--limit=-2"}); },
+                FailedWith<Error>("The limit must not be negative"));
+    EXPECT_THAT([&] { serializer.loadFromJson(nlohmann::json::parse(R"({"limit": -2})")); },
+                FailedWith<Error>("The limit must not be negative"));
 }
 
 TEST(DefaultRequestSerializerTest, ParseFailurePassesThroughUnchanged) {
     SampleRequest::Serializer serializer;
 
-    EXPECT_EQ(thrownBy([&] { serializer.loadFromCli({"--limit=abc"}); }),
-              thrown<std::runtime_error>("Can not parse \"abc\" as int"));
+    EXPECT_THAT([&] { serializer.loadFromCli({"--limit=abc"}); },
+                FailedWith<std::runtime_error>("Can not parse \"abc\" as int"));
 }
 
 TEST(DefaultRequestSerializerTest, HelpPassesThroughWithTheParsersTextAlone) {
@@ -89,8 +89,8 @@ TEST(DefaultRequestSerializerTest, HelpPassesThroughWithTheParsersTextAlone) {
                           SampleRequest::sizeOption()});
     reference.addHelpOption();
 
-    EXPECT_EQ(thrownBy([&] { serializer.loadFromCli({"--help"}); }),
-              thrown<HelpException>(reference.helpText().toStdString()));
+    EXPECT_THAT([&] { serializer.loadFromCli({"--help"}); },
+                FailedWith<HelpException>(reference.helpText().toStdString()));
 }
 
 TEST(DefaultRequestSerializerTest, RequestKeepingTheBaseVersionsLoadsWithoutFailure) {
@@ -124,10 +124,10 @@ TEST(DefaultRequestSerializerTest, ForeignRequestRaisesBadCastAndLeavesTheSerial
     SampleRequest own;
     own.limit = 2;
 
-    EXPECT_EQ(thrownBy([&] { serializer.toJson(foreign); }).type, typeid(std::bad_cast).name());
+    EXPECT_THAT([&] { serializer.toJson(foreign); }, FailedWith<std::bad_cast>("std::bad_cast"));
     EXPECT_EQ(serializer.toJson(own), nlohmann::json::parse(R"({"limit": 2, "count": 3,
         "verbose": false})"));
-    EXPECT_EQ(thrownBy([&] { serializer.toCli(foreign); }).type, typeid(std::bad_cast).name());
+    EXPECT_THAT([&] { serializer.toCli(foreign); }, FailedWith<std::bad_cast>("std::bad_cast"));
     EXPECT_EQ(serializer.toCli(own), (QStringList{"--limit=2", "--count=3"}));
 }
 
@@ -146,16 +146,17 @@ TEST(DefaultRequestSerializerTest, ConfigReachesTheJsonArchives) {
     serializer.config = Serialize::Json::Config::ExplicitOptionalNulls;
 
     EXPECT_EQ(serializer.toJson(LimitRequest()), nlohmann::json::parse(R"({"limit": null})"));
-    EXPECT_EQ(thrownBy([&] { serializer.loadFromJson(nlohmann::json::object()); }),
-              thrown<std::runtime_error>("Optional field is required to be at least null, due "
-                                         "to Config::ExplicitOptionalNulls"));
+    EXPECT_THAT(
+        [&] { serializer.loadFromJson(nlohmann::json::object()); },
+        FailedWith<std::runtime_error>("Optional field is required to be at least null, due "
+                                       "to Config::ExplicitOptionalNulls"));
 }
 
 TEST(DefaultRequestSerializerTest, UnknownReferenceRaisesOutOfRange) {
     SampleRequest::Serializer serializer;
 
-    EXPECT_EQ(thrownBy([&] { serializer.loadFromJson(nlohmann::json::parse(R"({"$ref": 9})")); }),
-              thrown<std::out_of_range>("invalid map<K, T> key"));
+    EXPECT_THAT([&] { serializer.loadFromJson(nlohmann::json::parse(R"({"$ref": 9})")); },
+                FailedWith<std::out_of_range>("invalid map<K, T> key"));
 }
 
 struct RoundTripRow {

@@ -1,8 +1,9 @@
 #include "service/requests/DefaultServiceImpl.h"
 
-#include "tests/platform/serialize/Thrown.h"
 #include "tests/service/requests/SampleRequest.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
 #include <typeinfo>
@@ -10,6 +11,7 @@
 
 using EditorService::DefaultServiceImpl;
 using EditorService::Request;
+using EditorService::Testing::FailedWith;
 using EditorService::Testing::LimitRequest;
 using EditorService::Testing::SampleRequest;
 
@@ -110,9 +112,7 @@ TEST(DefaultServiceImplTest, RequestOfAnotherClassEndsTheStreamWithBadCast) {
 
     EXPECT_EQ(outcome.values, (std::vector<nlohmann::json>{1}));
     EXPECT_EQ(outcome.completions, 0);
-    ASSERT_TRUE(outcome.error);
-    EXPECT_EQ(EditorService::Testing::thrownBy([&] { std::rethrow_exception(outcome.error); }).type,
-              typeid(std::bad_cast).name());
+    EXPECT_THAT(outcome.error, FailedWith<std::bad_cast>("std::bad_cast"));
     EXPECT_EQ(seen->requests.size(), 1u);
 }
 

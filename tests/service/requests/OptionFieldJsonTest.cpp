@@ -1,17 +1,18 @@
 #include "service/requests/OptionFieldJson.h"
 
-#include "tests/platform/serialize/Thrown.h"
 #include "tests/service/requests/SampleRequest.h"
+#include "tests/support/FailedWith.h"
 
 #include <functional>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <stdexcept>
 
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureOf;
 using EditorService::Testing::LimitRequest;
 using EditorService::Testing::SampleRequest;
-using EditorService::Testing::thrown;
-using EditorService::Testing::thrownBy;
 using Serialize::Json::iarchive;
 using Serialize::Json::oarchive;
 namespace Config = Serialize::Json::Config;
@@ -154,30 +155,22 @@ struct FailureRow {
     const char* name;
     const char* document;
     int flags;
-    std::function<testing::AssertionResult(const EditorService::Testing::Thrown&)> check;
+    testing::Matcher<std::exception_ptr> check;
 };
 
 void PrintTo(const FailureRow& row, std::ostream* out) {
     *out << row.name;
 }
 
-template <class E>
-std::function<testing::AssertionResult(const EditorService::Testing::Thrown&)>
-is(std::string what) {
-    return [expected = thrown<E>(std::move(what))](const EditorService::Testing::Thrown& actual) {
-        if (actual == expected)
-            return testing::AssertionSuccess();
-        return testing::AssertionFailure()
-               << actual.type << " \"" << actual.what << "\" instead of " << expected.type << " \""
-               << expected.what << "\"";
-    };
+template <class E> testing::Matcher<std::exception_ptr> is(std::string what) {
+    return FailedWith<E>(std::move(what));
 }
 
 class OptionFieldJsonFailureTest : public testing::TestWithParam<FailureRow> {};
 
 TEST_P(OptionFieldJsonFailureTest, ThrowsTheDocumentedException) {
     const auto document = nlohmann::json::parse(GetParam().document);
-    EXPECT_TRUE(GetParam().check(thrownBy([&] { read(document, GetParam().flags); })));
+    EXPECT_THAT(failureOf([&] { read(document, GetParam().flags); }), GetParam().check);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -225,8 +218,9 @@ TEST(OptionFieldJsonTest, NullAndMissingAgreeWithoutTheFlagAndDifferWithIt) {
 
     EXPECT_EQ(read(withNull, 0), read(missing, 0));
     EXPECT_EQ(read(withNull, Config::ExplicitOptionalNulls), read(missing, 0));
-    EXPECT_EQ(thrownBy([&] { read(missing, Config::ExplicitOptionalNulls); }).type,
-              typeid(std::runtime_error).name());
+    EXPECT_THAT([&] { read(missing, Config::ExplicitOptionalNulls); },
+                FailedWith<std::runtime_error>("Optional field is required to be at least null, "
+                                               "due to Config::ExplicitOptionalNulls"));
 }
 
 TEST(OptionFieldJsonTest, FieldOfAReferringHeadIsReadFromTheReferredValue) {
@@ -254,8 +248,8 @@ TEST(OptionFieldJsonTest, ReferenceToAValueNotYetEnteredIsUnknown) {
     LimitRequest request;
     archive.enter(document["first"]);
 
-    EXPECT_EQ(thrownBy([&] { archive >> request; }),
-              thrown<std::out_of_range>("invalid map<K, T> key"));
+    EXPECT_THAT([&] { archive >> request; },
+                FailedWith<std::out_of_range>("invalid map<K, T> key"));
 }
 
 struct RoundTripRow {

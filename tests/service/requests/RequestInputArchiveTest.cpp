@@ -1,11 +1,12 @@
 #include "service/requests/RequestInputArchive.h"
 
 #include "service/api/HelpException.h"
-#include "tests/platform/serialize/Thrown.h"
 #include "tests/service/requests/SampleRequest.h"
+#include "tests/support/FailedWith.h"
 
 #include <QCommandLineParser>
 #include <functional>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <stdexcept>
@@ -15,9 +16,10 @@
 using EditorService::visitField;
 using EditorService::CLI::HelpException;
 using EditorService::CLI::RequestInputArchive;
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureOf;
+using EditorService::Testing::failureText;
 using EditorService::Testing::SampleRequest;
-using EditorService::Testing::thrown;
-using EditorService::Testing::thrownBy;
 
 namespace {
 
@@ -170,8 +172,8 @@ void PrintTo(const FailureRow& row, std::ostream* out) {
 class RequestInputArchiveFailureTest : public testing::TestWithParam<FailureRow> {};
 
 TEST_P(RequestInputArchiveFailureTest, ThrowsTheParseError) {
-    EXPECT_EQ(thrownBy([] { load(GetParam().arguments); }),
-              thrown<std::runtime_error>(GetParam().message));
+    EXPECT_THAT([] { load(GetParam().arguments); },
+                FailedWith<std::runtime_error>(GetParam().message));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -222,13 +224,13 @@ TEST(RequestInputArchiveTest, StubTakesTheProgramPathsPlace) {
 }
 
 TEST(RequestInputArchiveTest, HelpThrowsTheParsersHelpTextUnchangedWithoutFurtherHelp) {
-    EXPECT_EQ(thrownBy([] { load({"--help"}); }),
-              thrown<HelpException>(referenceHelp(QString()).toStdString()));
+    EXPECT_THAT([] { load({"--help"}); },
+                FailedWith<HelpException>(referenceHelp(QString()).toStdString()));
 }
 
 TEST(RequestInputArchiveTest, ShortHelpOptionIsHelpToo) {
-    EXPECT_EQ(thrownBy([] { load({"-h"}); }),
-              thrown<HelpException>(referenceHelp(QString()).toStdString()));
+    EXPECT_THAT([] { load({"-h"}); },
+                FailedWith<HelpException>(referenceHelp(QString()).toStdString()));
 }
 
 TEST(RequestInputArchiveTest, HelpCarriesTheDescriptionAndTheFurtherHelpAfterALineFeed) {
@@ -236,19 +238,20 @@ TEST(RequestInputArchiveTest, HelpCarriesTheDescriptionAndTheFurtherHelpAfterALi
     DescribedRequest request;
     request.log = &log;
 
-    const auto result = thrownBy([&] {
+    const auto result = failureOf([&] {
         RequestInputArchive archive({"--help"});
         archive >> request;
     });
 
-    EXPECT_EQ(result, thrown<HelpException>((referenceHelp(QStringLiteral("Runs the sample"))
-                                             + QStringLiteral("\nExamples:\n  sample --limit=5"))
-                                                .toStdString()));
+    EXPECT_THAT(result,
+                FailedWith<HelpException>((referenceHelp(QStringLiteral("Runs the sample"))
+                                           + QStringLiteral("\nExamples:\n  sample --limit=5"))
+                                              .toStdString()));
     EXPECT_EQ(log, (std::vector<std::string>{"description", "additionalHelp"}));
 }
 
 TEST(RequestInputArchiveTest, HelpListsTheRequestsOptionsBeforeTheHelpOption) {
-    const std::string help = thrownBy([] { load({"--help"}); }).what;
+    const std::string help = failureText(failureOf([] { load({"--help"}); }));
 
     EXPECT_LT(help.find("--limit"), help.find("--help"));
     EXPECT_LT(help.find("--size"), help.find("--help"));
@@ -261,12 +264,13 @@ TEST(RequestInputArchiveTest, HelpIsTestedBeforeAnyFieldIsRead) {
     request.log = &log;
     request.limit = 99;
 
-    const auto result = thrownBy([&] {
+    const auto result = failureOf([&] {
         RequestInputArchive archive({"--limit=abc", "--size=big", "--help", "--nonsense"});
         archive >> request;
     });
 
-    EXPECT_EQ(result.type, typeid(HelpException).name());
+    ASSERT_TRUE(result);
+    EXPECT_THROW(std::rethrow_exception(result), HelpException);
     EXPECT_EQ(request.limit, 99);
     EXPECT_EQ(log, (std::vector<std::string>{"description", "additionalHelp"}));
 }
@@ -276,12 +280,12 @@ TEST(RequestInputArchiveTest, ParseFailureStopsTheLoadBeforeValidation) {
     DescribedRequest request;
     request.log = &log;
 
-    const auto result = thrownBy([&] {
+    const auto result = failureOf([&] {
         RequestInputArchive archive({"--limit=abc"});
         archive >> request;
     });
 
-    EXPECT_EQ(result, thrown<std::runtime_error>("Can not parse \"abc\" as int"));
+    EXPECT_THAT(result, FailedWith<std::runtime_error>("Can not parse \"abc\" as int"));
     EXPECT_EQ(log, (std::vector<std::string>{"description"}));
 }
 

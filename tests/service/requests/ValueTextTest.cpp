@@ -1,13 +1,13 @@
 #include "service/requests/ValueText.h"
 
-#include "tests/platform/serialize/Thrown.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <stdexcept>
 
-using EditorService::Testing::thrown;
-using EditorService::Testing::thrownBy;
+using EditorService::Testing::FailedWith;
 namespace CLI = EditorService::CLI;
 
 namespace {
@@ -51,8 +51,8 @@ void PrintTo(const FailureRow& row, std::ostream* out) {
 class ParseIntFailureTest : public testing::TestWithParam<FailureRow> {};
 
 TEST_P(ParseIntFailureTest, ThrowsRuntimeErrorQuotingTheWholeText) {
-    EXPECT_EQ(thrownBy([] { CLI::parseValue<int>(QString(GetParam().text)); }),
-              thrown<std::runtime_error>(GetParam().message));
+    EXPECT_THAT([] { CLI::parseValue<int>(QString(GetParam().text)); },
+                FailedWith<std::runtime_error>(GetParam().message));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -75,8 +75,8 @@ TEST(ValueTextTest, LongLongReadsSixtyFourBitNumbers) {
 }
 
 TEST(ValueTextTest, LongLongFailureNamesLongLong) {
-    EXPECT_EQ(thrownBy([] { CLI::parseValue<long long>(QStringLiteral("big")); }),
-              thrown<std::runtime_error>("Can not parse \"big\" as long long"));
+    EXPECT_THAT([] { CLI::parseValue<long long>(QStringLiteral("big")); },
+                FailedWith<std::runtime_error>("Can not parse \"big\" as long long"));
 }
 
 TEST(ValueTextTest, QStringIsTheTextItselfAndNeverFails) {
@@ -112,8 +112,8 @@ TEST(ValueTextTest, TypeNamesAreReadable) {
 TEST(ValueTextTest, TypesWithoutSpecialisationUseTheGenericTextStreamForm) {
     EXPECT_EQ(CLI::parseValue<short>(QStringLiteral("12")), 12);
     EXPECT_EQ(CLI::dumpValue<short>(12), QStringLiteral("12"));
-    EXPECT_EQ(thrownBy([] { CLI::parseValue<double>(QStringLiteral("x")); }),
-              thrown<std::runtime_error>("Can not parse \"x\" as double"));
+    EXPECT_THAT([] { CLI::parseValue<double>(QStringLiteral("x")); },
+                FailedWith<std::runtime_error>("Can not parse \"x\" as double"));
 }
 
 } // namespace

@@ -1,12 +1,17 @@
 #include "service/services/ScriptRequest.h"
 
 #include "service/api/HelpException.h"
+#include "tests/support/FailedWith.h"
 
 #include <QCommandLineParser>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
 #include <typeinfo>
 
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureOf;
+using EditorService::Testing::failureText;
 using namespace EditorService;
 
 namespace {
@@ -33,13 +38,8 @@ ScriptRequest loadFromJson(const nlohmann::json& value) {
     return *script;
 }
 
-std::string pathErrorOf(const QStringList& arguments) {
-    try {
-        loadFromCli(arguments);
-    } catch (const std::invalid_argument& error) {
-        return error.what();
-    }
-    return "no std::invalid_argument";
+std::exception_ptr pathErrorOf(const QStringList& arguments) {
+    return failureOf([&] { loadFromCli(arguments); });
 }
 
 template <class Exception> std::optional<Exception> jsonFailureOf(const nlohmann::json& value) {
@@ -94,19 +94,17 @@ TEST(ScriptRequestTest, JobsOptionIsBuiltOnceAndShared) {
 }
 
 TEST(ScriptRequestTest, HelpWithoutPathRaisesTheHelpTextAndNotThePathError) {
-    try {
-        loadFromCli({"app", "--help"});
-        FAIL() << "CLI::HelpException expected";
-    } catch (const CLI::HelpException& help) {
-        const QString text = QString::fromStdString(help.what());
-        EXPECT_TRUE(text.contains(QStringLiteral("Execute commands from script")));
-        EXPECT_TRUE(text.contains(QStringLiteral("script")));
-        EXPECT_TRUE(text.contains(QStringLiteral("Path to script file")));
-        EXPECT_TRUE(text.contains(QStringLiteral("<path>")));
-        EXPECT_TRUE(text.contains(QStringLiteral("--jobs, -j <N>")));
-        EXPECT_TRUE(text.contains(
-            QStringLiteral("Allow N jobs at once; 1 job with no arg, infinite with < 1")));
-    }
+    const auto failure = failureOf([&] { loadFromCli({"app", "--help"}); });
+    ASSERT_TRUE(failure);
+    EXPECT_THROW(std::rethrow_exception(failure), CLI::HelpException);
+    const QString text = QString::fromStdString(failureText(failure));
+    EXPECT_TRUE(text.contains(QStringLiteral("Execute commands from script")));
+    EXPECT_TRUE(text.contains(QStringLiteral("script")));
+    EXPECT_TRUE(text.contains(QStringLiteral("Path to script file")));
+    EXPECT_TRUE(text.contains(QStringLiteral("<path>")));
+    EXPECT_TRUE(text.contains(QStringLiteral("--jobs, -j <N>")));
+    EXPECT_TRUE(text.contains(
+        QStringLiteral("Allow N jobs at once; 1 job with no arg, infinite with < 1")));
 }
 
 TEST(ScriptRequestTest, HelpTextIsTheParsersOwnWithNothingAdded) {
@@ -116,20 +114,19 @@ TEST(ScriptRequestTest, HelpTextIsTheParsersOwnWithNothingAdded) {
     parser.addPositionalArgument(QStringLiteral("script"), QStringLiteral("Path to script file"),
                                  QStringLiteral("<path>"));
     parser.addOption(ScriptRequest::jobsOption());
-    try {
-        loadFromCli({"app", "-h", "a.txt"});
-        FAIL() << "CLI::HelpException expected";
-    } catch (const CLI::HelpException& help) {
-        EXPECT_EQ(help.what(), parser.helpText().toStdString());
-    }
+    EXPECT_THAT(
+        [&] {
+            loadFromCli({"app", "-h", "a.txt"});
+        },
+        FailedWith<CLI::HelpException>(parser.helpText().toStdString()));
 }
 
 TEST(ScriptRequestTest, EmptyListRaisesThePathError) {
-    EXPECT_EQ(pathErrorOf({}), pathError);
+    EXPECT_THAT(pathErrorOf({}), FailedWith<std::invalid_argument>(pathError));
 }
 
 TEST(ScriptRequestTest, ProgramNameAloneRaisesThePathError) {
-    EXPECT_EQ(pathErrorOf({"app"}), pathError);
+    EXPECT_THAT(pathErrorOf({"app"}), FailedWith<std::invalid_argument>(pathError));
 }
 
 TEST(ScriptRequestTest, SecondPositionalArgumentIsDropped) {
@@ -160,7 +157,7 @@ class ScriptRequestJobsTest : public testing::TestWithParam<JobsRow> {};
 TEST_P(ScriptRequestJobsTest, ReadsTheJobsOption) {
     const JobsRow& row = GetParam();
     if (!row.jobs) {
-        EXPECT_EQ(pathErrorOf(row.arguments), pathError);
+        EXPECT_THAT(pathErrorOf(row.arguments), FailedWith<std::invalid_argument>(pathError));
         return;
     }
     const ScriptRequest request = loadFromCli(row.arguments);
@@ -269,22 +266,27 @@ TEST(ScriptRequestTest, StringJobsRaisesTypeError302) {
 }
 
 TEST(ScriptRequestTest, JobsAreReadBeforeThePathIsTouched) {
-    const auto error = jsonFailureOf<nlohmann::json::type_error>({{"path", 5}, {"jobs", "2"}});
-    ASSERT_TRUE(error);
-    EXPECT_STREQ(error->what(),
-                 "[json.exception.type_error.302] type must be number, but is string");
+    EXPECT_THAT(
+        [] {
+            loadFromJson({{"path", 5}, {"jobs", "2"}});
+        },
+        FailedWith<nlohmann::json::type_error>(
+            "[json.exception.type_error.302] type must be number, but is string"));
 }
 
 TEST(ScriptRequestTest, NullOrArrayJobsRaisesTypeError302) {
-    const auto null =
-        jsonFailureOf<nlohmann::json::type_error>({{"path", "a.txt"}, {"jobs", nullptr}});
-    ASSERT_TRUE(null);
-    EXPECT_STREQ(null->what(), "[json.exception.type_error.302] type must be number, but is null");
-    const auto array = jsonFailureOf<nlohmann::json::type_error>(
-        {{"path", "a.txt"}, {"jobs", nlohmann::json::array({1})}});
-    ASSERT_TRUE(array);
-    EXPECT_STREQ(array->what(),
-                 "[json.exception.type_error.302] type must be number, but is array");
+    EXPECT_THAT(
+        [] {
+            loadFromJson({{"path", "a.txt"}, {"jobs", nullptr}});
+        },
+        FailedWith<nlohmann::json::type_error>(
+            "[json.exception.type_error.302] type must be number, but is null"));
+    EXPECT_THAT(
+        [] {
+            loadFromJson({{"path", "a.txt"}, {"jobs", nlohmann::json::array({1})}});
+        },
+        FailedWith<nlohmann::json::type_error>(
+            "[json.exception.type_error.302] type must be number, but is array"));
 }
 
 TEST(ScriptRequestTest, PathThatIsNoStringRaisesTypeError302) {
@@ -332,15 +334,21 @@ INSTANTIATE_TEST_SUITE_P(
     [](const testing::TestParamInfo<NonObjectRow>& info) { return std::string(info.param.name); });
 
 TEST(ScriptRequestTest, MissingJobsRaisesAJsonExceptionAndNoDefault) {
-    const auto error = jsonFailureOf<nlohmann::json::out_of_range>({{"path", "a.txt"}});
-    ASSERT_TRUE(error);
-    EXPECT_STREQ(error->what(), "[json.exception.out_of_range.403] key 'jobs' not found");
+    EXPECT_THAT(
+        [] {
+            loadFromJson({{"path", "a.txt"}});
+        },
+        FailedWith<nlohmann::json::out_of_range>(
+            "[json.exception.out_of_range.403] key 'jobs' not found"));
 }
 
 TEST(ScriptRequestTest, MissingPathRaisesAJsonExceptionAndNoDefault) {
-    const auto error = jsonFailureOf<nlohmann::json::out_of_range>({{"jobs", 2}});
-    ASSERT_TRUE(error);
-    EXPECT_STREQ(error->what(), "[json.exception.out_of_range.403] key 'path' not found");
+    EXPECT_THAT(
+        [] {
+            loadFromJson({{"jobs", 2}});
+        },
+        FailedWith<nlohmann::json::out_of_range>(
+            "[json.exception.out_of_range.403] key 'path' not found"));
 }
 
 TEST(ScriptRequestTest, EmptyObjectRaisesAJsonException) {

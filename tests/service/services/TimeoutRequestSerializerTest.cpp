@@ -5,7 +5,9 @@
 #include "service/api/HelpException.h"
 #include "service/services/ScriptRequest.h"
 #include "tests/service/services/ProbeRequest.h"
+#include "tests/support/FailedWith.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <type_traits>
@@ -14,6 +16,9 @@
 namespace EditorService {
 namespace {
 
+using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureOf;
+using EditorService::Testing::failureText;
 using Testing::ProbeRequest;
 
 static_assert(std::is_default_constructible_v<TimeoutRequestSerializer>);
@@ -94,13 +99,12 @@ TEST_F(TimeoutRequestSerializerTest, MoveConstructorCarriesWrappedSerializerAndC
     EXPECT_EQ(target.config, Serialize::Json::Config::ExplicitOptionalNulls);
     const auto loaded = target.loadFromCli({"--level=2", "--timeout=3"});
     EXPECT_EQ(wrappedProbe(loaded).level, 2);
-    try {
-        target.loadFromJson({{"level", 2}});
-        FAIL() << "a missing timeout key must fail under ExplicitOptionalNulls";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "Optional field is required to be at least null, due to "
-                                   "Config::ExplicitOptionalNulls");
-    }
+    EXPECT_THAT(
+        [&] {
+            target.loadFromJson({{"level", 2}});
+        },
+        FailedWith<std::runtime_error>("Optional field is required to be at least null, due to "
+                                       "Config::ExplicitOptionalNulls"));
 }
 
 TEST_F(TimeoutRequestSerializerTest, DefaultConstructedSerializerCanBeMovedFrom) {
@@ -115,62 +119,53 @@ TEST_F(TimeoutRequestSerializerTest, DefaultConstructedSerializerCanBeMovedFrom)
 
 TEST_F(TimeoutRequestSerializerTest, HelpComesFromWrappedSerializerWithoutTheLimitsOption) {
     const QStringList arguments{"app-path-stub", "--help"};
-    std::string wrappedHelp;
-    try {
-        ScriptRequest::Serializer().loadFromCli(arguments);
-        FAIL() << "the script serializer must throw its help";
-    } catch (const CLI::HelpException& help) {
-        wrappedHelp = help.what();
-    }
+    const auto wrapped = failureOf([&] { ScriptRequest::Serializer().loadFromCli(arguments); });
+    ASSERT_TRUE(wrapped);
+    EXPECT_THROW(std::rethrow_exception(wrapped), CLI::HelpException);
+    const std::string wrappedHelp = failureText(wrapped);
 
-    try {
-        scriptSerializer.loadFromCli(arguments);
-        FAIL() << "help must stop the loading";
-    } catch (const CLI::HelpException& help) {
-        EXPECT_EQ(help.what(), wrappedHelp);
-        EXPECT_NE(wrappedHelp.find("--jobs"), std::string::npos);
-        EXPECT_EQ(wrappedHelp.find("--timeout"), std::string::npos);
-    }
+    EXPECT_THAT([&] { scriptSerializer.loadFromCli(arguments); },
+                FailedWith<CLI::HelpException>(wrappedHelp));
+    EXPECT_NE(wrappedHelp.find("--jobs"), std::string::npos);
+    EXPECT_EQ(wrappedHelp.find("--timeout"), std::string::npos);
 }
 
 TEST_F(TimeoutRequestSerializerTest, HelpAmongBadArgumentsStillShowsWrappedHelp) {
-    try {
+    const auto failure = failureOf([&] {
         probeSerializer.loadFromCli({"--level=-1", "--timeout=abc", "--help"});
-        FAIL() << "help must stop the loading";
-    } catch (const CLI::HelpException& help) {
-        const std::string text = help.what();
-        EXPECT_NE(text.find("--level, -l <n>"), std::string::npos);
-        EXPECT_EQ(text.find("--timeout"), std::string::npos);
-        EXPECT_EQ(text.find("<seconds>"), std::string::npos);
-    }
+    });
+    ASSERT_TRUE(failure);
+    EXPECT_THROW(std::rethrow_exception(failure), CLI::HelpException);
+    const std::string text = failureText(failure);
+    EXPECT_NE(text.find("--level, -l <n>"), std::string::npos);
+    EXPECT_EQ(text.find("--timeout"), std::string::npos);
+    EXPECT_EQ(text.find("<seconds>"), std::string::npos);
     EXPECT_EQ(ProbeRequest::validations(), 0);
 }
 
 TEST_F(TimeoutRequestSerializerTest, BadWrappedArgumentsAreReportedBeforeABadLimitOnCommandLine) {
-    try {
-        probeSerializer.loadFromCli({"--level=-1", "--timeout=abc"});
-        FAIL() << "the wrapped request must fail";
-    } catch (const Error& error) {
-        EXPECT_STREQ(error.what(), "Probe level must not be negative");
-    }
+    EXPECT_THAT(
+        [&] {
+            probeSerializer.loadFromCli({"--level=-1", "--timeout=abc"});
+        },
+        FailedWith<Error>("Probe level must not be negative"));
 }
 
 TEST_F(TimeoutRequestSerializerTest, MissingScriptPathIsReportedBeforeABadLimitOnCommandLine) {
-    try {
-        scriptSerializer.loadFromCli({"app-path-stub", "--timeout=abc"});
-        FAIL() << "the script request must fail";
-    } catch (const std::invalid_argument& error) {
-        EXPECT_STREQ(error.what(), "No script path specified, try --help for all avalable options");
-    }
+    EXPECT_THAT(
+        [&] {
+            scriptSerializer.loadFromCli({"app-path-stub", "--timeout=abc"});
+        },
+        FailedWith<std::invalid_argument>(
+            "No script path specified, try --help for all avalable options"));
 }
 
 TEST_F(TimeoutRequestSerializerTest, LimitThatIsNoNumberFailsWithTheParseError) {
-    try {
-        probeSerializer.loadFromCli({"--level=1", "--timeout=abc"});
-        FAIL() << "the limit must fail";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "Can not parse \"abc\" as int");
-    }
+    EXPECT_THAT(
+        [&] {
+            probeSerializer.loadFromCli({"--level=1", "--timeout=abc"});
+        },
+        FailedWith<std::runtime_error>("Can not parse \"abc\" as int"));
 }
 
 TEST_F(TimeoutRequestSerializerTest, LimitAndWrappedRequestShareOneCommandLine) {
@@ -283,12 +278,12 @@ INSTANTIATE_TEST_SUITE_P(
     });
 
 TEST_F(TimeoutRequestSerializerTest, JoinedLimitLeavesNoPositionalBehind) {
-    try {
-        scriptSerializer.loadFromCli({"app-path-stub", "--timeout=5"});
-        FAIL() << "a joined limit must leave the script without a path";
-    } catch (const std::invalid_argument& error) {
-        EXPECT_STREQ(error.what(), "No script path specified, try --help for all avalable options");
-    }
+    EXPECT_THAT(
+        [&] {
+            scriptSerializer.loadFromCli({"app-path-stub", "--timeout=5"});
+        },
+        FailedWith<std::invalid_argument>(
+            "No script path specified, try --help for all avalable options"));
 }
 
 TEST_F(TimeoutRequestSerializerTest, ToCliOfWrappedScriptRequestIsScriptListAndLimit) {
@@ -424,33 +419,30 @@ TEST_F(TimeoutRequestSerializerTest, JsonLimitOfStringTypeFails) {
 }
 
 TEST_F(TimeoutRequestSerializerTest, JsonLimitOfBooleanTypeFails) {
-    try {
-        probeSerializer.loadFromJson({{"level", 2}, {"timeout", true}});
-        FAIL() << "a boolean limit must fail";
-    } catch (const nlohmann::json::type_error& error) {
-        EXPECT_STREQ(error.what(),
-                     "[json.exception.type_error.302] type must be number, but is boolean");
-    }
+    EXPECT_THAT(
+        [&] {
+            probeSerializer.loadFromJson({{"level", 2}, {"timeout", true}});
+        },
+        FailedWith<nlohmann::json::type_error>(
+            "[json.exception.type_error.302] type must be number, but is boolean"));
 }
 
 TEST_F(TimeoutRequestSerializerTest, BadLimitIsReportedBeforeBadWrappedRequestInJson) {
-    try {
-        probeSerializer.loadFromJson({{"level", -1}, {"timeout", "abc"}});
-        FAIL() << "the limit must fail";
-    } catch (const nlohmann::json::type_error& error) {
-        EXPECT_STREQ(error.what(),
-                     "[json.exception.type_error.302] type must be number, but is string");
-    }
+    EXPECT_THAT(
+        [&] {
+            probeSerializer.loadFromJson({{"level", -1}, {"timeout", "abc"}});
+        },
+        FailedWith<nlohmann::json::type_error>(
+            "[json.exception.type_error.302] type must be number, but is string"));
     EXPECT_EQ(ProbeRequest::validations(), 0);
 }
 
 TEST_F(TimeoutRequestSerializerTest, BadWrappedRequestFailsBehindAGoodLimitInJson) {
-    try {
-        probeSerializer.loadFromJson({{"level", -1}, {"timeout", 3}});
-        FAIL() << "the wrapped request must fail";
-    } catch (const Error& error) {
-        EXPECT_STREQ(error.what(), "Probe level must not be negative");
-    }
+    EXPECT_THAT(
+        [&] {
+            probeSerializer.loadFromJson({{"level", -1}, {"timeout", 3}});
+        },
+        FailedWith<Error>("Probe level must not be negative"));
 }
 
 TEST_F(TimeoutRequestSerializerTest, ValidatesWrappedRequestTwiceFromJson) {
