@@ -5,7 +5,7 @@
 #include "platform/package/PackageDirectory.h"
 #include "service/api/Error.h"
 #include "service/contexts/GlobalContextProvider.h"
-#include "tests/host/services/Collect.h"
+#include "tests/support/Collect.h"
 #include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
@@ -27,8 +27,8 @@ using EditorService::GlobalContextProvider;
 using EditorService::Testing::collect;
 using EditorService::Testing::Collected;
 using EditorService::Testing::collectToEnd;
-using EditorService::Testing::errorText;
 using EditorService::Testing::FailedWith;
+using EditorService::Testing::failureText;
 using EditorService::Testing::mediaFixture;
 using EditorService::Testing::spinUntil;
 using namespace std::chrono_literals;
@@ -187,7 +187,7 @@ protected:
                                [](const auto& run) { return run->ended(); });
         }));
         for (const auto& run : runs)
-            ASSERT_FALSE(run->error) << errorText(run->error);
+            ASSERT_FALSE(run->error) << failureText(run->error);
     }
 
     // Lists nothing at the outputs' directory but the given names.
@@ -206,7 +206,7 @@ TEST_F(ExportServiceTest, ServiceIdIsExport) {
 TEST_F(ExportServiceTest, TheDefaultPresetTakesTheInputsFrameSizeAndTheRangeIsPassedOn) {
     startRuntime();
     const auto collected = run(exportOf("h264_aac.mp4", "out.mp4", {"--range=500:1500"}));
-    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
     ASSERT_EQ(pipeline->settings.size(), 1u);
     const auto& settings = pipeline->settings[0];
     EXPECT_EQ(settings.input, mediaFixture("h264_aac.mp4"));
@@ -220,7 +220,7 @@ TEST_F(ExportServiceTest, TheDefaultPresetTakesTheInputsFrameSizeAndTheRangeIsPa
 TEST_F(ExportServiceTest, AFixedPresetKeepsItsOwnSize) {
     startRuntime();
     const auto collected = run(exportOf("h264_aac.mp4", "out.mp4", {"--preset=720p"}));
-    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
     ASSERT_EQ(pipeline->settings.size(), 1u);
     EXPECT_EQ(pipeline->settings[0].preset.width(), 1280);
     EXPECT_EQ(pipeline->settings[0].preset.height(), 720);
@@ -229,7 +229,7 @@ TEST_F(ExportServiceTest, AFixedPresetKeepsItsOwnSize) {
 TEST_F(ExportServiceTest, EndsWithOneDoneValueThatDescribesTheOutput) {
     startRuntime();
     const auto collected = run(exportOf("h264_aac.mp4", "out.mp4"));
-    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
     EXPECT_TRUE(collected->completed);
     ASSERT_FALSE(collected->values.empty());
     const auto done = collected->values.back().at("export");
@@ -256,7 +256,7 @@ TEST_F(ExportServiceTest, ProgressValuesComeWhileItRunsBeforeTheDoneValue) {
     pipeline->frames = 20;
     pipeline->perFrame = 30ms;
     const auto collected = run(exportOf("h264_aac.mp4", "out.mp4"));
-    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
     ASSERT_GE(collected->values.size(), 2u);
     for (std::size_t i = 0; i + 1 < collected->values.size(); ++i) {
         const auto& progress = collected->values[i].at("export");
@@ -308,7 +308,7 @@ TEST_F(ExportServiceTest, OverwriteReplacesAnExistingOutput) {
     existing.write("old");
     existing.close();
     const auto collected = run(exportOf("h264_aac.mp4", "out.mp4", {"--overwrite"}));
-    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
     ASSERT_TRUE(existing.open(QIODevice::ReadOnly));
     EXPECT_EQ(existing.size(), 500);
 }
@@ -319,7 +319,7 @@ TEST_F(ExportServiceTest, SkipExistingEmitsSkippedAndExportsNothing) {
     ASSERT_TRUE(existing.open(QIODevice::WriteOnly));
     existing.close();
     const auto collected = run(exportOf("h264_aac.mp4", "out.mp4", {"--skip-existing"}));
-    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
     ASSERT_EQ(collected->values.size(), 1u);
     EXPECT_EQ(collected->values[0],
               (nlohmann::json{
@@ -330,7 +330,7 @@ TEST_F(ExportServiceTest, SkipExistingEmitsSkippedAndExportsNothing) {
 TEST_F(ExportServiceTest, SkipExistingExportsAnOutputThatIsNotThere) {
     startRuntime();
     const auto collected = run(exportOf("h264_aac.mp4", "out.mp4", {"--skip-existing"}));
-    ASSERT_FALSE(collected->error) << errorText(collected->error);
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
     EXPECT_EQ(collected->values.back().at("export").at("done"), true);
 }
 

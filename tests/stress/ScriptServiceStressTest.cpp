@@ -82,7 +82,7 @@ TEST_P(ScriptServiceBigScriptTest, EveryValueOfAMillionLinesArrivesExactlyOnce) 
                    },
                    [ends] { ++*ends; });
     ASSERT_TRUE(runLoopUntil([ends] { return ends->load() > 0; }, std::chrono::minutes(4)));
-    ASSERT_FALSE(*error) << errorText(*error);
+    ASSERT_FALSE(*error) << failureText(*error);
     EXPECT_EQ(ends->load(), 1);
     EXPECT_EQ(counts->strays(), 0);
     EXPECT_EQ(counts->firstWrong(), -1);
@@ -212,7 +212,7 @@ TEST_F(ScriptServiceStressTest, ManyScriptsAtOnceEachDeliverTheirOwnValues) {
     }));
     for (int script = 0; script < scripts; ++script) {
         const auto& outcome = outcomes[std::size_t(script)];
-        ASSERT_FALSE(outcome->error) << errorText(outcome->error);
+        ASSERT_FALSE(outcome->error) << failureText(outcome->error);
         EXPECT_EQ(outcome->ends.load(), 1);
         std::vector<int> numbers;
         for (const auto& value : outcome->values)

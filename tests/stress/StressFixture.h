@@ -37,18 +37,6 @@ struct Outcome {
     bool ended() const { return ends.load() > 0; }
 };
 
-// Kept while the script and time-limit stress tests still use it; failureText from
-// tests/support/FailedWith.h replaces it.
-inline std::string errorText(const std::exception_ptr& error) {
-    try {
-        std::rethrow_exception(error);
-    } catch (const std::exception& exception) {
-        return exception.what();
-    } catch (...) {
-        return "(not a std::exception)";
-    }
-}
-
 // An allocator that says when the memory it gave is given back. A std::shared_ptr made with it
 // frees its control block only when the last std::weak_ptr to the object has gone too, so a
 // test can see that nothing holds even a weak reference any more.
