@@ -131,23 +131,6 @@ TEST_F(ThumbnailServiceTest, WithoutACacheEveryThumbnailOpensTheFileAgain) {
     EXPECT_EQ(Media::StreamProvider::instance()->cachedStreams(), 0);
 }
 
-TEST_F(ThumbnailServiceTest, EachRequestOfAStreamGivesItsValue) {
-    startProvider();
-    std::vector<ThumbnailRequest> requests(3);
-    for (int i = 0; i < 3; ++i) {
-        requests[i].path = fixture("clip.webm");
-        requests[i].output = scratchFile(QStringLiteral("t%1.png").arg(i));
-        requests[i].at = 500 * i;
-    }
-    ThumbnailService service;
-    const auto collected = collectToEnd(service.run(EditorService::Testing::each(requests)));
-    ASSERT_FALSE(collected->error) << failureText(collected->error);
-    EXPECT_TRUE(collected->completed);
-    EXPECT_EQ(collected->values.size(), 3u);
-    for (const auto& request : requests)
-        EXPECT_TRUE(isPng(request.output)) << request.output.toStdString();
-}
-
 TEST_F(ThumbnailServiceTest, AMissingFileFailsWithMediaError) {
     startProvider();
     const QString path = scratchFile("missing.mp4");
