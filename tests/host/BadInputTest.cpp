@@ -36,8 +36,8 @@ QByteArray knownServices() {
 class BadInputTest : public testing::Test {
 protected:
     QString writeScript(const QByteArray& content, const QString& name = {}) {
-        const QString path = m_directory.filePath(
-            name.isEmpty() ? QStringLiteral("script%1.reel").arg(++m_files) : name);
+        const QString path = directory.filePath(
+            name.isEmpty() ? QStringLiteral("script%1.reel").arg(++files) : name);
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         EXPECT_EQ(file.write(content), content.size());
@@ -54,22 +54,22 @@ protected:
         return lines;
     }
 
-    QuietHostSanitizer m_quietSanitizer;
-    QTemporaryDir m_directory;
-    int m_files = 0;
+    QuietHostSanitizer quietSanitizer;
+    QTemporaryDir directory;
+    int files = 0;
 };
 
 TEST_F(BadInputTest, MissingScriptFailsWithThePathAsGiven) {
-    const HostRun run = runHost({"script", "missing.reel"}, m_directory.path());
+    const HostRun run = runHost({"script", "missing.reel"}, directory.path());
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.errors, "Can not open input device: missing.reel\n");
     EXPECT_EQ(run.output, "");
 }
 
 TEST_F(BadInputTest, DirectoryAsScriptFailsLikeAMissingFile) {
-    const HostRun run = runHost({"script", m_directory.path()});
+    const HostRun run = runHost({"script", directory.path()});
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(run.errors, "Can not open input device: " + m_directory.path().toLocal8Bit() + "\n");
+    EXPECT_EQ(run.errors, "Can not open input device: " + directory.path().toLocal8Bit() + "\n");
     EXPECT_EQ(run.output, "");
 }
 
@@ -218,7 +218,7 @@ TEST_F(BadInputTest, UnknownOptionOfANestedCommandIsThatServicesMatter) {
 // A script that names itself ends with an error once scripts nest deeper than a fixed limit,
 // as make and shells limit recursion, instead of growing until it is stopped.
 TEST_F(BadInputTest, ScriptThatNamesItselfEndsWithANestingError) {
-    const QString path = m_directory.filePath(QStringLiteral("self.reel"));
+    const QString path = directory.filePath(QStringLiteral("self.reel"));
     writeScript("script; " + path.toLocal8Bit() + "\n", QStringLiteral("self.reel"));
     const HostRun run = runHost({"script", path});
     EXPECT_EQ(run.exitCode, 1);

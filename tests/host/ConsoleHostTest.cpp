@@ -17,15 +17,15 @@ namespace {
 class ConsoleHostTest : public testing::Test {
 protected:
     QString writeScript(const QByteArray& content) {
-        const QString path = m_directory.filePath(QStringLiteral("script%1.reel").arg(++m_files));
+        const QString path = directory.filePath(QStringLiteral("script%1.reel").arg(++files));
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(content);
         return path;
     }
 
-    QTemporaryDir m_directory;
-    int m_files = 0;
+    QTemporaryDir directory;
+    int files = 0;
 };
 
 TEST_F(ConsoleHostTest, EchoPrintsItsArgumentsAsOneJsonLine) {
@@ -256,7 +256,7 @@ TEST_F(ConsoleHostTest, TerminationStopsTheStreamAndExitsWith143) {
 }
 
 TEST_F(ConsoleHostTest, ClosedOutputEndsTheProcessQuietly) {
-    const QString errors = m_directory.filePath(QStringLiteral("errors.txt"));
+    const QString errors = directory.filePath(QStringLiteral("errors.txt"));
     QProcess shell;
     shell.start(QStringLiteral("bash"),
                 {"-c",

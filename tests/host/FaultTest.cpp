@@ -18,14 +18,14 @@ namespace {
 class FaultTest : public testing::Test {
 protected:
     QString writeScript(const QByteArray& content) {
-        const QString path = m_directory.filePath(QStringLiteral("script%1.reel").arg(++m_files));
+        const QString path = directory.filePath(QStringLiteral("script%1.reel").arg(++files));
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         EXPECT_EQ(file.write(content), content.size());
         return path;
     }
 
-    QString scratchFile(const QString& name) const { return m_directory.filePath(name); }
+    QString scratchFile(const QString& name) const { return directory.filePath(name); }
 
     static void expectWholeJsonLines(const QByteArray& output) {
         ASSERT_TRUE(output.isEmpty() || output.endsWith('\n')) << output.right(200).toStdString();
@@ -53,9 +53,9 @@ protected:
             [](const QByteArray& output) { return output.count('\n') >= 20; }, signal);
     }
 
-    QuietHostSanitizer m_quietSanitizer;
-    QTemporaryDir m_directory;
-    int m_files = 0;
+    QuietHostSanitizer quietSanitizer;
+    QTemporaryDir directory;
+    int files = 0;
 };
 
 const QByteArray fourEndlessTickers = "tick; --count=1000000; --interval=1\n"

@@ -42,17 +42,17 @@ HostRun signalHostWhen(const QStringList& arguments,
 class QuietHostSanitizer {
 public:
     QuietHostSanitizer()
-        : m_options(qgetenv("TSAN_OPTIONS")) {
+        : options(qgetenv("TSAN_OPTIONS")) {
 #if defined(HOST_UNDER_THREAD_SANITIZER)
         qputenv("TSAN_OPTIONS", "report_bugs=0");
 #endif
     }
     ~QuietHostSanitizer() {
-        qputenv("TSAN_OPTIONS", m_options);
+        qputenv("TSAN_OPTIONS", options);
     }
 
 private:
-    QByteArray m_options;
+    QByteArray options;
 };
 
 } // namespace EditorService::Testing

@@ -27,11 +27,11 @@ class MediaBadInputTest : public testing::TestWithParam<BadInput> {
 protected:
     QString expanded(QString text) const {
         const QString fixtures = QFileInfo(QString::fromStdString(mediaFixture("x"))).path();
-        return text.replace("{F}", fixtures).replace("{T}", m_directory.path());
+        return text.replace("{F}", fixtures).replace("{T}", directory.path());
     }
 
-    QuietHostSanitizer m_quietSanitizer;
-    QTemporaryDir m_directory;
+    QuietHostSanitizer quietSanitizer;
+    QTemporaryDir directory;
 };
 
 TEST_P(MediaBadInputTest, FailsWithStatusOneTheExactErrorLineAndNoOutput) {
@@ -46,7 +46,7 @@ TEST_P(MediaBadInputTest, FailsWithStatusOneTheExactErrorLineAndNoOutput) {
               QList<QByteArray>{expanded(GetParam().error).toUtf8()})
         << run.errors.toStdString();
     // Nothing is left where a picture was asked for.
-    EXPECT_FALSE(QFile::exists(m_directory.filePath("t.png")));
+    EXPECT_FALSE(QFile::exists(directory.filePath("t.png")));
 }
 
 const QString invalid = QStringLiteral("Invalid data found when processing input");

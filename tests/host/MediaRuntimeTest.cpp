@@ -22,14 +22,14 @@ protected:
         if (!probe.started || probe.exitCode != 0)
             GTEST_SKIP() << "strace can not trace here";
         // LeakSanitizer can't run in a traced process and ends it with an error of its own.
-        qputenv("ASAN_OPTIONS", m_sanitizerOptions + ":detect_leaks=0");
+        qputenv("ASAN_OPTIONS", sanitizerOptions + ":detect_leaks=0");
     }
 
-    void TearDown() override { qputenv("ASAN_OPTIONS", m_sanitizerOptions); }
+    void TearDown() override { qputenv("ASAN_OPTIONS", sanitizerOptions); }
 
     // The trace's lines; fails the test when the host failed.
     QList<QByteArray> traced(const QString& calls, const QStringList& arguments) {
-        const QString log = m_directory.filePath(QStringLiteral("trace%1.log").arg(++m_runs));
+        const QString log = directory.filePath(QStringLiteral("trace%1.log").arg(++runs));
         const ToolRun run = runTool(
             "strace", QStringList{"-f", "-qq", "-e", "trace=" + calls, "-o", log, REELSMITH_HOST}
                           + arguments);
@@ -57,11 +57,11 @@ protected:
         QByteArray script;
         for (int i = 0; i < count; ++i) {
             script += QStringLiteral("thumbnail; %1; --output=%2; --at=%3\n")
-                          .arg(path, m_directory.filePath(QStringLiteral("t%1.png").arg(i)))
+                          .arg(path, directory.filePath(QStringLiteral("t%1.png").arg(i)))
                           .arg(i * 150)
                           .toUtf8();
         }
-        const QString scriptPath = m_directory.filePath("thumbnails.reel");
+        const QString scriptPath = directory.filePath("thumbnails.reel");
         QFile file(scriptPath);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(script);
@@ -70,10 +70,10 @@ protected:
         return countContaining(lines, "\"" + path.toUtf8() + "\"");
     }
 
-    QuietHostSanitizer m_quietSanitizer;
-    const QByteArray m_sanitizerOptions = qgetenv("ASAN_OPTIONS");
-    QTemporaryDir m_directory;
-    int m_runs = 0;
+    QuietHostSanitizer quietSanitizer;
+    const QByteArray sanitizerOptions = qgetenv("ASAN_OPTIONS");
+    QTemporaryDir directory;
+    int runs = 0;
 };
 
 // A command that needs no runtime starts no more threads than a runtime of no contexts, while

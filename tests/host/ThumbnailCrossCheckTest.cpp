@@ -43,7 +43,7 @@ protected:
 
     // ffmpeg's picture of the first frame at or after the time, with a filter when given.
     QByteArray ffmpegFrame(const QString& path, int ms, const QString& filter = {}) {
-        const QString reference = m_directory.filePath(QStringLiteral("ref.png"));
+        const QString reference = directory.filePath(QStringLiteral("ref.png"));
         QStringList arguments{
             "-nostdin", "-v", "error",     "-y", "-ss", QString::number(ms / 1000.0, 'f', 3),
             "-i",       path, "-frames:v", "1"};
@@ -56,9 +56,9 @@ protected:
         return rgbPixels(reference);
     }
 
-    QString output(const char* name) const { return m_directory.filePath(name); }
+    QString output(const char* name) const { return directory.filePath(name); }
 
-    QTemporaryDir m_directory;
+    QTemporaryDir directory;
 };
 
 class ThumbnailAtTimeTest : public ThumbnailCrossCheckTest,

@@ -59,21 +59,21 @@ struct Pipeline {
 class StandInExport : public ExportRun {
 public:
     StandInExport(std::shared_ptr<Pipeline> pipeline, Export::ExportSettings settings)
-        : m_pipeline(std::move(pipeline))
-        , m_settings(std::move(settings))
-        , m_temporary(m_settings.output + ".reelsmith-partial-test") {}
+        : shared(std::move(pipeline))
+        , settings(std::move(settings))
+        , temporary(this->settings.output + ".reelsmith-partial-test") {}
 
-    const std::string& temporaryPath() const override { return m_temporary; }
+    const std::string& temporaryPath() const override { return temporary; }
 
     Export::ExportResult run(const Export::Exporter::Progress& progress) override {
-        auto& pipeline = *m_pipeline;
+        auto& pipeline = *shared;
         {
             std::unique_lock<std::mutex> lock(pipeline.mutex);
             ++pipeline.running;
             pipeline.mostRunning = std::max(pipeline.mostRunning, pipeline.running);
             pipeline.changed.notify_all();
             pipeline.changed.wait_for(lock, 60s, [&] {
-                return pipeline.running >= pipeline.waitForRunning || m_cancelled;
+                return pipeline.running >= pipeline.waitForRunning || cancelled;
             });
         }
         std::exception_ptr failure;
@@ -82,7 +82,7 @@ public:
             result = frames(progress);
         } catch (...) {
             failure = std::current_exception();
-            QFile::remove(QString::fromStdString(m_temporary));
+            QFile::remove(QString::fromStdString(temporary));
         }
         {
             std::lock_guard<std::mutex> lock(pipeline.mutex);
@@ -94,20 +94,20 @@ public:
     }
 
     void cancel() override {
-        std::lock_guard<std::mutex> lock(m_pipeline->mutex);
-        m_cancelled = true;
-        m_pipeline->changed.notify_all();
+        std::lock_guard<std::mutex> lock(shared->mutex);
+        cancelled = true;
+        shared->changed.notify_all();
     }
 
 private:
     Export::ExportResult frames(const Export::Exporter::Progress& progress) {
-        auto& pipeline = *m_pipeline;
-        QFile file(QString::fromStdString(m_temporary));
+        auto& pipeline = *shared;
+        QFile file(QString::fromStdString(temporary));
         if (!file.open(QIODevice::WriteOnly))
-            throw std::runtime_error("Can not open " + m_temporary);
+            throw std::runtime_error("Can not open " + temporary);
         for (int frame = 1; frame <= pipeline.frames; ++frame) {
-            if (m_cancelled)
-                throw Export::ExportCancelled("Export cancelled: " + m_settings.output);
+            if (cancelled)
+                throw Export::ExportCancelled("Export cancelled: " + settings.output);
             if (pipeline.failAt && *pipeline.failAt == frame)
                 std::rethrow_exception(pipeline.failure());
             std::this_thread::sleep_for(pipeline.perFrame);
@@ -116,21 +116,21 @@ private:
         }
         file.close();
         // As the pipeline does: rename(2) replaces what stands at the output.
-        if (std::rename(m_temporary.c_str(), m_settings.output.c_str()) != 0)
-            throw std::runtime_error("Can not rename " + m_temporary);
+        if (std::rename(temporary.c_str(), settings.output.c_str()) != 0)
+            throw std::runtime_error("Can not rename " + temporary);
         Export::ExportResult result;
         result.frames = pipeline.frames;
         result.durationMs = pipeline.frames * 40;
         result.bytes = pipeline.frames * 100;
-        result.video = {"h264", m_settings.preset.width(), m_settings.preset.height(), 1000};
+        result.video = {"h264", settings.preset.width(), settings.preset.height(), 1000};
         result.audio = Export::ExportResult::Audio{"aac", 44100, 2, 128000};
         return result;
     }
 
-    std::shared_ptr<Pipeline> m_pipeline;
-    Export::ExportSettings m_settings;
-    std::string m_temporary;
-    std::atomic<bool> m_cancelled{false};
+    std::shared_ptr<Pipeline> shared;
+    Export::ExportSettings settings;
+    std::string temporary;
+    std::atomic<bool> cancelled{false};
 };
 
 EditorService::ExportRunFactory standIn(const std::shared_ptr<Pipeline>& pipeline) {

@@ -29,9 +29,9 @@ template <class R> rxcpp::observable<R> each(const std::vector<R>& requests) {
 class MediaServiceFixture : public testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(m_packages.isValid());
-        ASSERT_TRUE(m_scratch.isValid());
-        Package::setPackageDirectory(m_packages.path());
+        ASSERT_TRUE(packages.isValid());
+        ASSERT_TRUE(scratch.isValid());
+        Package::setPackageDirectory(packages.path());
         Velmor::Testing::CallLog::clear();
     }
     void TearDown() override {
@@ -46,7 +46,7 @@ protected:
     static QString fixture(const std::string& name) {
         return QString::fromStdString(mediaFixture(name));
     }
-    QString scratchFile(const QString& name) const { return m_scratch.filePath(name); }
+    QString scratchFile(const QString& name) const { return scratch.filePath(name); }
 
     static int countOf(const std::string& entry) {
         const auto entries = Velmor::Testing::CallLog::entries();
@@ -56,8 +56,8 @@ protected:
     std::optional<GlobalContextProvider> provider;
 
 private:
-    QTemporaryDir m_packages;
-    QTemporaryDir m_scratch;
+    QTemporaryDir packages;
+    QTemporaryDir scratch;
 };
 
 } // namespace EditorService::Testing

@@ -31,7 +31,7 @@ struct Outcome {
 class CLIUtilsTest : public testing::Test {
 protected:
     QString writeScript(const QByteArray& content) {
-        const QString path = m_directory.filePath(QStringLiteral("script%1.txt").arg(++m_files));
+        const QString path = directory.filePath(QStringLiteral("script%1.txt").arg(++files));
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(content);
@@ -71,9 +71,9 @@ protected:
         return parts;
     }
 
-    CLILauncher m_launcher;
-    QTemporaryDir m_directory;
-    int m_files = 0;
+    CLILauncher launcher;
+    QTemporaryDir directory;
+    int files = 0;
 };
 
 TEST_F(CLIUtilsTest, EmptyFileYieldsNoListAndCompletes) {
@@ -179,7 +179,7 @@ TEST_F(CLIUtilsTest, CommandsArriveInFileOrderOnTheMainThread) {
 }
 
 TEST_F(CLIUtilsTest, MissingPathFailsAtSubscriptionNotAtTheCall) {
-    const QString path = m_directory.filePath(QStringLiteral("missing.txt"));
+    const QString path = directory.filePath(QStringLiteral("missing.txt"));
     const auto commands = CLIUtils::openCommandScript(path);
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -190,11 +190,11 @@ TEST_F(CLIUtilsTest, MissingPathFailsAtSubscriptionNotAtTheCall) {
     EXPECT_EQ(outcome->commands.size(), 1u);
 
     const auto failed = subscribe(
-        CLIUtils::openCommandScript(m_directory.filePath(QStringLiteral("nothing/here.txt"))));
+        CLIUtils::openCommandScript(directory.filePath(QStringLiteral("nothing/here.txt"))));
     ASSERT_TRUE(spinUntil([failed] { return failed->ended(); }));
     EXPECT_THAT(failed->error, FailedWith<std::runtime_error>(
                                    "Can not open input device: "
-                                   + m_directory.filePath("nothing/here.txt").toStdString()));
+                                   + directory.filePath("nothing/here.txt").toStdString()));
     EXPECT_TRUE(failed->commands.empty());
     EXPECT_FALSE(failed->deliveredOffMainThread);
 }
@@ -216,10 +216,10 @@ TEST_F(CLIUtilsTest, PlaceholdersInAMissingPathAreQuotedAsTheyCame) {
 }
 
 TEST_F(CLIUtilsTest, DirectoryAsPathCannotBeOpened) {
-    const auto outcome = subscribe(CLIUtils::openCommandScript(m_directory.path()));
+    const auto outcome = subscribe(CLIUtils::openCommandScript(directory.path()));
     ASSERT_TRUE(spinUntil([outcome] { return outcome->ended(); }));
     EXPECT_THAT(outcome->error, FailedWith<std::runtime_error>("Can not open input device: "
-                                                               + m_directory.path().toStdString()));
+                                                               + directory.path().toStdString()));
 }
 
 TEST_F(CLIUtilsTest, TwoSubscriptionsReadTheFileTwice) {

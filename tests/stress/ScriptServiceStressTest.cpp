@@ -17,33 +17,33 @@ namespace {
 class ArrivalCounts {
 public:
     explicit ArrivalCounts(int size)
-        : m_size(size)
-        , m_counts(new std::atomic<std::uint8_t>[std::size_t(size)]()) {}
+        : size(size)
+        , counts(new std::atomic<std::uint8_t>[std::size_t(size)]()) {}
 
     void add(const nlohmann::json& value) {
         const int number = value.at("value").get<int>();
-        if (number < 0 || number >= m_size) {
-            ++m_strays;
+        if (number < 0 || number >= size) {
+            ++strayCount;
             return;
         }
-        m_counts[std::size_t(number)].fetch_add(1);
+        counts[std::size_t(number)].fetch_add(1);
     }
 
     // The first value that did not arrive exactly once, or -1.
     int firstWrong() const {
-        for (int number = 0; number < m_size; ++number) {
-            if (m_counts[std::size_t(number)].load() != 1)
+        for (int number = 0; number < size; ++number) {
+            if (counts[std::size_t(number)].load() != 1)
                 return number;
         }
         return -1;
     }
 
-    int strays() const { return m_strays.load(); }
+    int strays() const { return strayCount.load(); }
 
 private:
-    int m_size;
-    std::unique_ptr<std::atomic<std::uint8_t>[]> m_counts;
-    std::atomic<int> m_strays{0};
+    int size;
+    std::unique_ptr<std::atomic<std::uint8_t>[]> counts;
+    std::atomic<int> strayCount{0};
 };
 
 struct JobsRow {

@@ -73,15 +73,16 @@ template <class T> struct TrackingAllocator {
 class StressFixture : public testing::Test {
 protected:
     void SetUp() override {
-        m_logLevel = FLAGS_minloglevel;
+        logLevel = FLAGS_minloglevel;
         FLAGS_minloglevel = google::GLOG_WARNING;
         registerStressServices(*loader, probe);
     }
 
-    void TearDown() override { FLAGS_minloglevel = m_logLevel; }
+    void TearDown() override { FLAGS_minloglevel = logLevel; }
 
     QString writeScript(const QByteArray& content) {
-        const QString path = m_directory.filePath(QStringLiteral("script%1.reel").arg(++m_files));
+        const QString path =
+            directory.filePath(QStringLiteral("script%1.reel").arg(++scriptsWritten));
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         EXPECT_EQ(file.write(content), content.size());
@@ -147,9 +148,9 @@ protected:
     std::shared_ptr<ServiceLoader> loader = std::make_shared<ServiceLoader>();
 
 private:
-    QTemporaryDir m_directory;
-    int m_files = 0;
-    int m_logLevel = 0;
+    QTemporaryDir directory;
+    int scriptsWritten = 0;
+    int logLevel = 0;
 };
 
 } // namespace EditorService::Testing

@@ -15,18 +15,18 @@ public:
 
     void send(google::LogSeverity, const char*, const char*, int, const google::LogMessageTime&,
               const char* message, size_t length) override {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_messages.emplace_back(message, length);
+        std::lock_guard<std::mutex> lock(mutex);
+        captured.emplace_back(message, length);
     }
 
     std::vector<std::string> messages() const {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_messages;
+        std::lock_guard<std::mutex> lock(mutex);
+        return captured;
     }
 
 private:
-    mutable std::mutex m_mutex;
-    std::vector<std::string> m_messages;
+    mutable std::mutex mutex;
+    std::vector<std::string> captured;
 };
 
 } // namespace EditorService::Testing

@@ -59,15 +59,14 @@ struct Probes {
 class ShardServiceTest : public testing::Test {
 protected:
     ShardServiceTest() {
-        m_loader->registerService(QStringLiteral("echo"), {},
-                                  [](auto) { return std::make_shared<EchoService>(); });
-        m_loader->registerService(QStringLiteral("fail"), {},
-                                  [](auto) { return std::make_shared<FailService>(); });
-        m_loader->registerService(QStringLiteral("script"), {}, [](auto loader) {
-            return std::make_shared<ScriptService>(loader);
+        loader->registerService(QStringLiteral("echo"), {},
+                                [](auto) { return std::make_shared<EchoService>(); });
+        loader->registerService(QStringLiteral("fail"), {},
+                                [](auto) { return std::make_shared<FailService>(); });
+        loader->registerService(QStringLiteral("script"), {}, [](auto weakLoader) {
+            return std::make_shared<ScriptService>(weakLoader);
         });
-        const auto probes = m_probes;
-        m_loader->registerService(QStringLiteral("probe"), {}, [probes](auto) {
+        loader->registerService(QStringLiteral("probe"), {}, [probes = probes](auto) {
             return std::make_shared<ArgumentsService>([probes](const QStringList& arguments) {
                 return Probes::probe(probes, arguments);
             });
@@ -75,7 +74,7 @@ protected:
     }
 
     QString writeScript(const QByteArray& content) {
-        const QString path = m_directory.filePath(QStringLiteral("script%1.reel").arg(++m_files));
+        const QString path = directory.filePath(QStringLiteral("script%1.reel").arg(++files));
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(content);
@@ -83,7 +82,7 @@ protected:
     }
 
     std::shared_ptr<Collected> runShard(const QStringList& arguments) {
-        ShardService service(m_loader);
+        ShardService service(loader);
         return collectToEnd(service.run(QStringList(QStringLiteral("app")) + arguments));
     }
 
@@ -93,11 +92,11 @@ protected:
                          QStringLiteral("--jobs=%1").arg(jobs)});
     }
 
-    CLILauncher m_launcher;
-    QTemporaryDir m_directory;
-    int m_files = 0;
-    std::shared_ptr<Probes> m_probes = std::make_shared<Probes>();
-    std::shared_ptr<ServiceLoader> m_loader = std::make_shared<ServiceLoader>();
+    CLILauncher launcher;
+    QTemporaryDir directory;
+    int files = 0;
+    std::shared_ptr<Probes> probes = std::make_shared<Probes>();
+    std::shared_ptr<ServiceLoader> loader = std::make_shared<ServiceLoader>();
 };
 
 json echoed(const std::string& text) {
@@ -183,8 +182,8 @@ TEST_F(ShardServiceTest, OneJobRunsThePartsCommandsOneAfterTheOtherInScriptOrder
     const QString path = writeScript("probe; a\nprobe; b\nprobe; c\nprobe; d\nprobe; e\n");
     const auto part = runPart(path, 0, 2, 1);
     EXPECT_TRUE(part->completed);
-    EXPECT_EQ(m_probes->events, (std::vector<std::string>{"start a", "end a", "start c", "end c",
-                                                          "start e", "end e"}));
+    EXPECT_EQ(probes->events, (std::vector<std::string>{"start a", "end a", "start c", "end c",
+                                                        "start e", "end e"}));
 }
 
 TEST_F(ShardServiceTest, JobLimitBoundsThePartsCommandsAtOnce) {
@@ -194,7 +193,7 @@ TEST_F(ShardServiceTest, JobLimitBoundsThePartsCommandsAtOnce) {
     const auto part = runPart(writeScript(script), 1, 2, 2);
     EXPECT_TRUE(part->completed);
     EXPECT_EQ(part->values.size(), 6u);
-    EXPECT_EQ(m_probes->mostAtOnce, 2);
+    EXPECT_EQ(probes->mostAtOnce, 2);
 }
 
 TEST_F(ShardServiceTest, FirstFailureEndsThePartWithThatCommandsError) {

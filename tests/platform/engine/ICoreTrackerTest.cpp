@@ -8,12 +8,12 @@ namespace {
 class CountingTracker : public Velmor::Proc::ICoreTracker {
 public:
     explicit CountingTracker(bool* destroyed)
-        : m_destroyed(destroyed) {}
-    ~CountingTracker() override { *m_destroyed = true; }
+        : destroyed(destroyed) {}
+    ~CountingTracker() override { *destroyed = true; }
     void OnPluginLoaded(const std::string&) override {}
 
 private:
-    bool* m_destroyed;
+    bool* destroyed;
 };
 
 } // namespace

@@ -27,20 +27,20 @@ constexpr auto generously = std::chrono::seconds(60);
 class StartLine {
 public:
     explicit StartLine(int threads)
-        : m_waiting(threads) {}
+        : waiting(threads) {}
     void arriveAndWait() {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        if (--m_waiting == 0) {
-            m_go.notify_all();
+        std::unique_lock<std::mutex> lock(mutex);
+        if (--waiting == 0) {
+            go.notify_all();
             return;
         }
-        m_go.wait(lock, [this] { return m_waiting == 0; });
+        go.wait(lock, [this] { return waiting == 0; });
     }
 
 private:
-    std::mutex m_mutex;
-    std::condition_variable m_go;
-    int m_waiting;
+    std::mutex mutex;
+    std::condition_variable go;
+    int waiting;
 };
 
 } // namespace

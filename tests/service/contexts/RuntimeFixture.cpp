@@ -49,11 +49,11 @@ std::vector<std::string> named(const std::vector<std::pair<std::string, std::str
 } // namespace
 
 void RuntimeFixture::SetUp() {
-    ASSERT_TRUE(m_root.isValid());
-    QDir(m_root.path()).mkpath("packages");
-    QDir(m_root.path()).mkpath("data");
-    m_dataHome = qgetenv("XDG_DATA_HOME");
-    qputenv("XDG_DATA_HOME", QDir(m_root.path()).filePath("data").toLocal8Bit());
+    ASSERT_TRUE(root.isValid());
+    QDir(root.path()).mkpath("packages");
+    QDir(root.path()).mkpath("data");
+    dataHome = qgetenv("XDG_DATA_HOME");
+    qputenv("XDG_DATA_HOME", QDir(root.path()).filePath("data").toLocal8Bit());
     QDir().mkpath(fontsDirectory());
     Package::setPackageDirectory(packageDirectory());
     Velmor::Testing::Probe::clear();
@@ -64,11 +64,11 @@ void RuntimeFixture::SetUp() {
 void RuntimeFixture::TearDown() {
     Velmor::Testing::Probe::clear();
     Package::setPackageDirectory(QString());
-    qputenv("XDG_DATA_HOME", m_dataHome);
+    qputenv("XDG_DATA_HOME", dataHome);
 }
 
 QString RuntimeFixture::packageDirectory() const {
-    return QDir(m_root.path()).filePath("packages");
+    return QDir(root.path()).filePath("packages");
 }
 
 QString RuntimeFixture::fontsDirectory() const {

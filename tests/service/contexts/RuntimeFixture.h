@@ -35,8 +35,8 @@ protected:
     static bool spinsEventLoop(const std::function<void()>& action);
 
 private:
-    QTemporaryDir m_root;
-    QByteArray m_dataHome;
+    QTemporaryDir root;
+    QByteArray dataHome;
 };
 
 } // namespace EditorService::Testing

@@ -25,13 +25,13 @@ struct Seen {
 class SampleService : public DefaultServiceImpl<SampleRequest> {
 public:
     explicit SampleService(std::shared_ptr<Seen> seen)
-        : m_seen(std::move(seen)) {}
+        : seen(std::move(seen)) {}
 
     using DefaultServiceImpl<SampleRequest>::run;
 
     rxcpp::observable<nlohmann::json>
     run(const rxcpp::observable<SampleRequest>& requests) override {
-        auto seen = m_seen;
+        auto seen = this->seen;
         return requests
             .map([seen](const SampleRequest& request) {
                 seen->requests.push_back(request);
@@ -41,7 +41,7 @@ public:
     }
 
 private:
-    std::shared_ptr<Seen> m_seen;
+    std::shared_ptr<Seen> seen;
 };
 
 struct Outcome {

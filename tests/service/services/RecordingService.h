@@ -25,14 +25,14 @@ namespace EditorService::Testing {
 class EventLog {
 public:
     void record(const std::string& event) {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_entries.push_back({event, std::this_thread::get_id()});
+        std::lock_guard<std::mutex> lock(mutex);
+        entries.push_back({event, std::this_thread::get_id()});
     }
 
     std::vector<std::string> events() const {
-        std::lock_guard<std::mutex> lock(m_mutex);
+        std::lock_guard<std::mutex> lock(mutex);
         std::vector<std::string> texts;
-        for (const auto& entry : m_entries)
+        for (const auto& entry : entries)
             texts.push_back(entry.text);
         return texts;
     }
@@ -44,8 +44,8 @@ public:
 
     // The thread of the first such event; a default id when there was none.
     std::thread::id threadOf(const std::string& event) const {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        for (const auto& entry : m_entries) {
+        std::lock_guard<std::mutex> lock(mutex);
+        for (const auto& entry : entries) {
             if (entry.text == event)
                 return entry.thread;
         }
@@ -58,8 +58,8 @@ private:
         std::thread::id thread;
     };
 
-    mutable std::mutex m_mutex;
-    std::vector<Entry> m_entries;
+    mutable std::mutex mutex;
+    std::vector<Entry> entries;
 };
 
 // A request of the command's arguments behind the program path.
@@ -106,7 +106,7 @@ public:
     using AbstractService::run;
 
     explicit ArgumentsService(Command command)
-        : m_command(std::move(command)) {}
+        : command(std::move(command)) {}
 
     std::unique_ptr<AbstractRequestSerializer> requestSerializer() const override {
         return std::make_unique<ArgumentsSerializer>();
@@ -114,7 +114,7 @@ public:
 
     rxcpp::observable<nlohmann::json>
     run(const rxcpp::observable<std::shared_ptr<Request>>& requests) override {
-        const Command command = m_command;
+        const Command command = this->command;
         return requests
             .flat_map([command](const std::shared_ptr<Request>& request) {
                 return command(dynamic_cast<const ArgumentsRequest&>(*request).arguments);
@@ -123,7 +123,7 @@ public:
     }
 
 private:
-    Command m_command;
+    Command command;
 };
 
 // `echo;<name>;<json>...`: on the thread that subscribes, records "start <name>", sends each
@@ -161,13 +161,13 @@ public:
     };
 
     explicit Gates(std::shared_ptr<EventLog> log)
-        : m_state(std::make_shared<State>()) {
-        m_state->log = std::move(log);
+        : shared(std::make_shared<State>()) {
+        shared->log = std::move(log);
     }
 
     ~Gates() { joinAll(); }
 
-    std::shared_ptr<State> state() const { return m_state; }
+    std::shared_ptr<State> state() const { return shared; }
 
     static rxcpp::observable<nlohmann::json> hold(const std::shared_ptr<State>& state,
                                                   const QStringList& arguments) {
@@ -190,8 +190,8 @@ public:
     }
 
     bool isHeld(const std::string& name) const {
-        std::lock_guard<std::mutex> lock(m_state->mutex);
-        return m_state->held.count(name) != 0;
+        std::lock_guard<std::mutex> lock(shared->mutex);
+        return shared->held.count(name) != 0;
     }
 
     // Ends the held command on a new thread: sends `values`, then completes.
@@ -208,8 +208,8 @@ public:
     void joinAll() {
         std::vector<std::thread> threads;
         {
-            std::lock_guard<std::mutex> lock(m_threadsMutex);
-            threads.swap(m_threads);
+            std::lock_guard<std::mutex> lock(workersMutex);
+            threads.swap(workers);
         }
         for (auto& thread : threads)
             thread.join();
@@ -219,8 +219,8 @@ public:
     void dropHeld() {
         std::map<std::string, Held> held;
         {
-            std::lock_guard<std::mutex> lock(m_state->mutex);
-            held.swap(m_state->held);
+            std::lock_guard<std::mutex> lock(shared->mutex);
+            held.swap(shared->held);
         }
     }
 
@@ -228,9 +228,9 @@ private:
     void finish(const std::string& name, std::vector<nlohmann::json> values,
                 std::exception_ptr error) {
         Held held = take(name);
-        const auto log = m_state->log;
-        std::lock_guard<std::mutex> lock(m_threadsMutex);
-        m_threads.emplace_back([log, name, held, values = std::move(values), error] {
+        const auto log = shared->log;
+        std::lock_guard<std::mutex> lock(workersMutex);
+        workers.emplace_back([log, name, held, values = std::move(values), error] {
             for (const auto& value : values)
                 held.subscriber.on_next(value);
             *held.ended = true;
@@ -244,18 +244,18 @@ private:
     }
 
     Held take(const std::string& name) {
-        std::lock_guard<std::mutex> lock(m_state->mutex);
-        const auto found = m_state->held.find(name);
-        if (found == m_state->held.end())
+        std::lock_guard<std::mutex> lock(shared->mutex);
+        const auto found = shared->held.find(name);
+        if (found == shared->held.end())
             throw std::logic_error("not held: " + name);
         Held held = found->second;
-        m_state->held.erase(found);
+        shared->held.erase(found);
         return held;
     }
 
-    std::shared_ptr<State> m_state;
-    std::mutex m_threadsMutex;
-    std::vector<std::thread> m_threads;
+    std::shared_ptr<State> shared;
+    std::mutex workersMutex;
+    std::vector<std::thread> workers;
 };
 
 // A service whose run() throws, before any stream exists.
@@ -263,15 +263,15 @@ class ThrowingService : public ArgumentsService {
 public:
     explicit ThrowingService(std::shared_ptr<std::exception_ptr> failure)
         : ArgumentsService({})
-        , m_failure(std::move(failure)) {}
+        , failure(std::move(failure)) {}
 
     rxcpp::observable<nlohmann::json>
     run(const rxcpp::observable<std::shared_ptr<Request>>&) override {
-        std::rethrow_exception(*m_failure);
+        std::rethrow_exception(*failure);
     }
 
 private:
-    std::shared_ptr<std::exception_ptr> m_failure;
+    std::shared_ptr<std::exception_ptr> failure;
 };
 
 // Fills a loader with the test services:

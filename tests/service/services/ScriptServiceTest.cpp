@@ -87,7 +87,7 @@ void subscribeInto(const std::shared_ptr<Outcome>& outcome,
 class LogGate : public google::LogSink {
 public:
     explicit LogGate(std::string text)
-        : m_text(std::move(text)) {
+        : text(std::move(text)) {
         google::AddLogSink(this);
     }
     ~LogGate() override {
@@ -97,58 +97,58 @@ public:
 
     void send(google::LogSeverity, const char*, const char*, int, const google::LogMessageTime&,
               const char* message, size_t length) override {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_messages.emplace_back(message, length);
-        if (m_messages.back().find(m_text) == std::string::npos)
+        std::unique_lock<std::mutex> lock(mutex);
+        captured.emplace_back(message, length);
+        if (captured.back().find(text) == std::string::npos)
             return;
-        m_reached = true;
-        m_condition.notify_all();
-        m_condition.wait(lock, [this] { return m_open; });
+        reached = true;
+        condition.notify_all();
+        condition.wait(lock, [this] { return opened; });
     }
 
     bool isReached() const {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_reached;
+        std::lock_guard<std::mutex> lock(mutex);
+        return reached;
     }
     void open() {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_open = true;
-        m_condition.notify_all();
+        std::lock_guard<std::mutex> lock(mutex);
+        opened = true;
+        condition.notify_all();
     }
     std::vector<std::string> messages() const {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_messages;
+        std::lock_guard<std::mutex> lock(mutex);
+        return captured;
     }
 
 private:
-    std::string m_text;
-    mutable std::mutex m_mutex;
-    std::condition_variable m_condition;
-    std::vector<std::string> m_messages;
-    bool m_reached = false;
-    bool m_open = false;
+    std::string text;
+    mutable std::mutex mutex;
+    std::condition_variable condition;
+    std::vector<std::string> captured;
+    bool reached = false;
+    bool opened = false;
 };
 
 class ScriptServiceTest : public testing::Test {
 protected:
     ScriptServiceTest() {
-        Testing::registerRecordingServices(*m_loader, m_log, m_gates, m_failure);
-        m_loader->registerService(ScriptService::serviceId(), QStringLiteral("Runs a script"),
-                                  [](std::weak_ptr<const ServiceLoader> loader) {
-                                      return std::make_shared<ScriptService>(loader);
-                                  });
+        Testing::registerRecordingServices(*loader, log, gates, thrown);
+        loader->registerService(ScriptService::serviceId(), QStringLiteral("Runs a script"),
+                                [](std::weak_ptr<const ServiceLoader> loader) {
+                                    return std::make_shared<ScriptService>(loader);
+                                });
     }
 
     ~ScriptServiceTest() override {
-        for (const auto& outcome : m_outcomes)
+        for (const auto& outcome : outcomes)
             outcome->lifetime.unsubscribe();
-        m_gates->joinAll();
-        m_gates->dropHeld();
+        gates->joinAll();
+        gates->dropHeld();
         drainMainThread();
     }
 
     QString writeScript(const QStringList& lines) {
-        const QString path = m_directory.filePath(QStringLiteral("script%1.txt").arg(++m_files));
+        const QString path = directory.filePath(QStringLiteral("script%1.txt").arg(++files));
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(lines.join(QLatin1Char('\n')).toUtf8());
@@ -159,14 +159,14 @@ protected:
     // Runs the script service as the host does: made by the loader, from a command line, and
     // let go at once.
     rxcpp::observable<json> runScript(const QString& path, const QString& jobs) {
-        return m_loader->createService(ScriptService::serviceId())
+        return loader->createService(ScriptService::serviceId())
             ->run(QStringList{QCoreApplication::applicationFilePath(), path,
                               QStringLiteral("--jobs=") + jobs});
     }
 
     std::shared_ptr<Outcome> subscribe(const rxcpp::observable<json>& results) {
         auto outcome = std::make_shared<Outcome>();
-        m_outcomes.push_back(outcome);
+        outcomes.push_back(outcome);
         subscribeInto(outcome, results);
         return outcome;
     }
@@ -184,8 +184,7 @@ protected:
     }
 
     bool waitFor(const std::string& event) {
-        const auto log = m_log;
-        return spinUntil([log, event] { return log->contains(event); });
+        return spinUntil([log = log, event] { return log->contains(event); });
     }
 
     bool waitForEnd(const std::shared_ptr<Outcome>& outcome) {
@@ -195,25 +194,26 @@ protected:
     // Lets the held commands' threads finish, then runs all that they and the main thread have
     // queued on the main thread: what would wrongly happen next has happened when it returns.
     void settle() {
-        m_gates->joinAll();
+        gates->joinAll();
         drainMainThread();
     }
 
     static json held(const std::string& name) { return json{{"hold", name}}; }
 
     std::exception_ptr makeFailure(const std::string& text) {
-        *m_failure = std::make_exception_ptr(std::runtime_error(text));
-        return *m_failure;
+        *thrown = std::make_exception_ptr(std::runtime_error(text));
+        return *thrown;
     }
 
-    CLILauncher m_launcher;
-    QTemporaryDir m_directory;
-    int m_files = 0;
-    std::shared_ptr<EventLog> m_log = std::make_shared<EventLog>();
-    std::shared_ptr<Gates> m_gates = std::make_shared<Gates>(m_log);
-    std::shared_ptr<std::exception_ptr> m_failure = std::make_shared<std::exception_ptr>();
-    std::shared_ptr<ServiceLoader> m_loader = std::make_shared<ServiceLoader>();
-    std::vector<std::shared_ptr<Outcome>> m_outcomes;
+    CLILauncher launcher;
+    QTemporaryDir directory;
+    int files = 0;
+    std::shared_ptr<EventLog> log = std::make_shared<EventLog>();
+    std::shared_ptr<Gates> gates = std::make_shared<Gates>(log);
+    // What the "throw" service throws.
+    std::shared_ptr<std::exception_ptr> thrown = std::make_shared<std::exception_ptr>();
+    std::shared_ptr<ServiceLoader> loader = std::make_shared<ServiceLoader>();
+    std::vector<std::shared_ptr<Outcome>> outcomes;
 };
 
 TEST_F(ScriptServiceTest, ServiceIdIsScript) {
@@ -221,7 +221,7 @@ TEST_F(ScriptServiceTest, ServiceIdIsScript) {
 }
 
 TEST_F(ScriptServiceTest, RequestSerializerReadsScriptRequests) {
-    const ScriptService service(m_loader);
+    const ScriptService service(loader);
     const auto serializer = service.requestSerializer();
     EXPECT_NE(dynamic_cast<ScriptRequest::Serializer*>(serializer.get()), nullptr);
 }
@@ -229,18 +229,17 @@ TEST_F(ScriptServiceTest, RequestSerializerReadsScriptRequests) {
 TEST_F(ScriptServiceTest, SecondCommandStartsAfterFirstCompletes) {
     const auto outcome = start({"hold;a", "hold;b", "hold;c"}, "1");
     settle();
-    ASSERT_EQ(m_log->events(), (Events{"start a"}));
-    m_gates->release("a");
+    ASSERT_EQ(log->events(), (Events{"start a"}));
+    gates->release("a");
     settle();
-    ASSERT_EQ(m_log->events(), (Events{"start a", "end a", "start b"}));
-    m_gates->release("b");
+    ASSERT_EQ(log->events(), (Events{"start a", "end a", "start b"}));
+    gates->release("b");
     settle();
-    ASSERT_EQ(m_log->events(), (Events{"start a", "end a", "start b", "end b", "start c"}));
+    ASSERT_EQ(log->events(), (Events{"start a", "end a", "start b", "end b", "start c"}));
     EXPECT_FALSE(outcome->ended());
-    m_gates->release("c");
+    gates->release("c");
     settle();
-    EXPECT_EQ(m_log->events(),
-              (Events{"start a", "end a", "start b", "end b", "start c", "end c"}));
+    EXPECT_EQ(log->events(), (Events{"start a", "end a", "start b", "end b", "start c", "end c"}));
     EXPECT_EQ(outcome->received(), (std::vector<json>{held("a"), held("b"), held("c")}));
     EXPECT_TRUE(outcome->hasCompleted());
 }
@@ -263,13 +262,13 @@ TEST_P(ScriptServiceTwoJobsTest, ThirdCommandStartsWhenEitherOfTheFirstTwoHasEnd
     const FirstToEnd& row = GetParam();
     const auto outcome = start({"hold;a", "hold;b", "hold;c"}, "2");
     settle();
-    ASSERT_EQ(m_log->events(), (Events{"start a", "start b"}));
-    m_gates->release(row.ends);
+    ASSERT_EQ(log->events(), (Events{"start a", "start b"}));
+    gates->release(row.ends);
     settle();
-    ASSERT_EQ(m_log->events(), (Events{"start a", "start b", "end " + row.ends, "start c"}));
+    ASSERT_EQ(log->events(), (Events{"start a", "start b", "end " + row.ends, "start c"}));
     EXPECT_FALSE(outcome->ended());
-    m_gates->release(row.runsOn);
-    m_gates->release("c");
+    gates->release(row.runsOn);
+    gates->release("c");
     settle();
     EXPECT_TRUE(outcome->hasCompleted());
     EXPECT_EQ(outcome->received().size(), 3u);
@@ -297,16 +296,16 @@ class ScriptServiceNoLimitTest : public ScriptServiceTest,
 TEST_P(ScriptServiceNoLimitTest, EachCommandStartsOnTheMainThreadAsItsLineArrives) {
     const auto outcome = start({"hold;a", "hold;b", "hold;c"}, GetParam().jobs);
     settle();
-    ASSERT_EQ(m_log->events(), (Events{"start a", "start b", "start c"}));
+    ASSERT_EQ(log->events(), (Events{"start a", "start b", "start c"}));
     const auto mainThread = std::this_thread::get_id();
-    EXPECT_EQ(m_log->threadOf("start a"), mainThread);
-    EXPECT_EQ(m_log->threadOf("start b"), mainThread);
-    EXPECT_EQ(m_log->threadOf("start c"), mainThread);
-    m_gates->release("c");
-    m_gates->release("b");
+    EXPECT_EQ(log->threadOf("start a"), mainThread);
+    EXPECT_EQ(log->threadOf("start b"), mainThread);
+    EXPECT_EQ(log->threadOf("start c"), mainThread);
+    gates->release("c");
+    gates->release("b");
     settle();
     EXPECT_FALSE(outcome->ended());
-    m_gates->release("a");
+    gates->release("a");
     settle();
     EXPECT_TRUE(outcome->hasCompleted());
     EXPECT_EQ(outcome->received().size(), 3u);
@@ -322,12 +321,11 @@ INSTANTIATE_TEST_SUITE_P(BelowOne, ScriptServiceNoLimitTest,
 TEST_F(ScriptServiceTest, CommandWithoutValuesDoesNotStallTheQueue) {
     const auto outcome = start({"echo;a", "hold;b", "echo;c;3"}, "1");
     settle();
-    ASSERT_TRUE(m_gates->isHeld("b"));
-    m_gates->release("b", {});
+    ASSERT_TRUE(gates->isHeld("b"));
+    gates->release("b", {});
     settle();
     EXPECT_TRUE(outcome->hasCompleted());
-    EXPECT_EQ(m_log->events(),
-              (Events{"start a", "end a", "start b", "end b", "start c", "end c"}));
+    EXPECT_EQ(log->events(), (Events{"start a", "end a", "start b", "end b", "start c", "end c"}));
     EXPECT_EQ(outcome->received(), (std::vector<json>{3}));
 }
 
@@ -335,10 +333,10 @@ TEST_F(ScriptServiceTest, FailingSecondCommandEndsTheStreamWithItsExceptionAndNo
     const auto failure = std::make_exception_ptr(std::runtime_error("b failed"));
     const auto outcome = start({"hold;a", "hold;b", "echo;c;3"}, "1");
     settle();
-    m_gates->release("a");
+    gates->release("a");
     settle();
-    ASSERT_TRUE(m_gates->isHeld("b"));
-    m_gates->fail("b", failure);
+    ASSERT_TRUE(gates->isHeld("b"));
+    gates->fail("b", failure);
     settle();
     EXPECT_TRUE(outcome->failure() == failure);
     EXPECT_THAT(outcome->failure(), FailedWith<std::runtime_error>("b failed"));
@@ -348,14 +346,14 @@ TEST_F(ScriptServiceTest, FailingSecondCommandEndsTheStreamWithItsExceptionAndNo
 TEST_F(ScriptServiceTest, FailingCommandWithoutLimitLetsGoOfTheOthersOnTheThreadThatFailed) {
     const auto outcome = start({"hold;a", "hold;b", "hold;c"}, "0");
     settle();
-    ASSERT_EQ(m_log->events(), (Events{"start a", "start b", "start c"}));
-    m_gates->fail("b", std::make_exception_ptr(std::runtime_error("b failed")));
+    ASSERT_EQ(log->events(), (Events{"start a", "start b", "start c"}));
+    gates->fail("b", std::make_exception_ptr(std::runtime_error("b failed")));
     settle();
     ASSERT_TRUE(outcome->ended());
-    EXPECT_TRUE(m_log->contains("cancel a"));
-    EXPECT_TRUE(m_log->contains("cancel c"));
-    EXPECT_EQ(m_log->threadOf("cancel a"), m_log->threadOf("end b"));
-    EXPECT_EQ(m_log->threadOf("cancel c"), m_log->threadOf("end b"));
+    EXPECT_TRUE(log->contains("cancel a"));
+    EXPECT_TRUE(log->contains("cancel c"));
+    EXPECT_EQ(log->threadOf("cancel a"), log->threadOf("end b"));
+    EXPECT_EQ(log->threadOf("cancel c"), log->threadOf("end b"));
 }
 
 struct ThrowRow {
@@ -393,9 +391,9 @@ INSTANTIATE_TEST_SUITE_P(CreateOrRun, ScriptServiceThrowTest,
 TEST_F(ScriptServiceTest, UnknownServiceOnLastLineFailsAfterTheEarlierCommandsDelivered) {
     const auto outcome = start({"echo;a;1", "hold;b", "nosuch;x"}, "1");
     settle();
-    ASSERT_TRUE(m_gates->isHeld("b"));
+    ASSERT_TRUE(gates->isHeld("b"));
     EXPECT_FALSE(outcome->ended());
-    m_gates->release("b");
+    gates->release("b");
     settle();
     EXPECT_THAT(
         outcome->failure(),
@@ -411,9 +409,9 @@ TEST_F(ScriptServiceTest, UnknownServiceWithoutLimitFailsAsSoonAsItsLineArrives)
         outcome->failure(),
         FailedWith<Error>(
             "Unknown service \"nosuch\", known services: broken, echo, hold, script, throw"));
-    EXPECT_TRUE(m_log->contains("start a"));
-    EXPECT_TRUE(m_log->contains("cancel a"));
-    EXPECT_FALSE(m_log->contains("end a"));
+    EXPECT_TRUE(log->contains("start a"));
+    EXPECT_TRUE(log->contains("cancel a"));
+    EXPECT_FALSE(log->contains("end a"));
 }
 
 // The reading runs on a thread of its own, held inside subscribe by the log gate, so the test
@@ -426,7 +424,7 @@ TEST_F(ScriptServiceTest, RejectedLineFarDownFailsAtOnceWhileTheFirstCommandRuns
     lines.append(QStringLiteral("--x"));
     const auto results = runScript(writeScript(lines), QStringLiteral("1"));
     auto outcome = std::make_shared<Outcome>();
-    m_outcomes.push_back(outcome);
+    outcomes.push_back(outcome);
     {
         // The reading pauses at the bad line until the first command runs.
         LogGate gate("Processing command: --x");
@@ -438,16 +436,16 @@ TEST_F(ScriptServiceTest, RejectedLineFarDownFailsAtOnceWhileTheFirstCommandRuns
     }
     ASSERT_TRUE(waitForEnd(outcome));
     EXPECT_THAT(outcome->failure(), FailedWith<Error>("No service specified"));
-    EXPECT_FALSE(m_log->contains("end a"));
-    EXPECT_FALSE(m_log->contains("cancel a"));
-    EXPECT_FALSE(m_log->contains("start b0"));
+    EXPECT_FALSE(log->contains("end a"));
+    EXPECT_FALSE(log->contains("cancel a"));
+    EXPECT_FALSE(log->contains("start b0"));
     EXPECT_TRUE(outcome->received().empty());
     EXPECT_EQ(outcome->endCount(), 1);
 }
 
 TEST_F(ScriptServiceTest, MissingScriptFailsAtSubscriptionAndRunReturnsNormally) {
-    const QString path = m_directory.filePath(QStringLiteral("missing.txt"));
-    ScriptService service(m_loader);
+    const QString path = directory.filePath(QStringLiteral("missing.txt"));
+    ScriptService service(loader);
     rxcpp::observable<json> results;
     ASSERT_NO_THROW(
         results = service.run(rxcpp::observable<>::just(ScriptRequest(path, 1)).as_dynamic()));
@@ -456,12 +454,12 @@ TEST_F(ScriptServiceTest, MissingScriptFailsAtSubscriptionAndRunReturnsNormally)
     EXPECT_THAT(outcome->failure(),
                 FailedWith<std::runtime_error>("Can not open input device: " + path.toStdString()));
     EXPECT_TRUE(outcome->received().empty());
-    EXPECT_TRUE(m_log->events().empty());
+    EXPECT_TRUE(log->events().empty());
     EXPECT_EQ(outcome->endCount(), 1);
 }
 
 TEST_F(ScriptServiceTest, MissingScriptFromACommandLineFailsTheStream) {
-    const QString path = m_directory.filePath(QStringLiteral("missing.txt"));
+    const QString path = directory.filePath(QStringLiteral("missing.txt"));
     rxcpp::observable<json> results;
     ASSERT_NO_THROW(results = runScript(path, QStringLiteral("1")));
     const auto outcome = subscribe(results);
@@ -471,7 +469,7 @@ TEST_F(ScriptServiceTest, MissingScriptFromACommandLineFailsTheStream) {
 }
 
 TEST_F(ScriptServiceTest, NoScriptPathFailsTheStreamWithThePathError) {
-    const auto service = m_loader->createService(ScriptService::serviceId());
+    const auto service = loader->createService(ScriptService::serviceId());
     const auto outcome = subscribe(service->run(QStringList{"app"}));
     settle();
     EXPECT_THAT(outcome->failure(),
@@ -484,7 +482,7 @@ TEST_F(ScriptServiceTest, HelpFailsTheStreamWithTheHelpTextOfTheScriptRequest) {
     const std::string helpText = Testing::failureText(
         Testing::failureOf([&arguments] { ScriptRequest::Serializer().loadFromCli(arguments); }));
     ASSERT_NE(helpText.find("Execute commands from script"), std::string::npos);
-    const auto service = m_loader->createService(ScriptService::serviceId());
+    const auto service = loader->createService(ScriptService::serviceId());
     const auto outcome = subscribe(service->run(arguments));
     settle();
     EXPECT_THAT(outcome->failure(), FailedWith<CLI::HelpException>(helpText));
@@ -507,7 +505,7 @@ TEST_P(ScriptServiceEmptyScriptTest, CompletesWithNoValue) {
     const auto outcome = complete(GetParam().lines, GetParam().jobs);
     EXPECT_TRUE(outcome->hasCompleted());
     EXPECT_TRUE(outcome->received().empty());
-    EXPECT_TRUE(m_log->events().empty());
+    EXPECT_TRUE(log->events().empty());
     EXPECT_EQ(outcome->endCount(), 1);
 }
 
@@ -522,7 +520,7 @@ INSTANTIATE_TEST_SUITE_P(
     });
 
 TEST_F(ScriptServiceTest, ResultStreamOutlivesTheServiceObject) {
-    auto service = std::make_shared<ScriptService>(m_loader);
+    auto service = std::make_shared<ScriptService>(loader);
     const std::weak_ptr<ScriptService> watch = service;
     const auto results = service->run(
         rxcpp::observable<>::just(ScriptRequest(writeScript({"echo;a;1"}), 1)).as_dynamic());
@@ -535,7 +533,7 @@ TEST_F(ScriptServiceTest, ResultStreamOutlivesTheServiceObject) {
 }
 
 TEST_F(ScriptServiceTest, OneServiceServesTwoRunsAtOnce) {
-    ScriptService service(m_loader);
+    ScriptService service(loader);
     const auto first = subscribe(service.run(
         rxcpp::observable<>::just(ScriptRequest(writeScript({"hold;a"}), 1)).as_dynamic()));
     const auto second = subscribe(service.run(
@@ -543,9 +541,9 @@ TEST_F(ScriptServiceTest, OneServiceServesTwoRunsAtOnce) {
     settle();
     EXPECT_TRUE(second->hasCompleted());
     EXPECT_EQ(second->received(), (std::vector<json>{2}));
-    ASSERT_TRUE(m_gates->isHeld("a"));
+    ASSERT_TRUE(gates->isHeld("a"));
     EXPECT_FALSE(first->ended());
-    m_gates->release("a");
+    gates->release("a");
     settle();
     EXPECT_TRUE(first->hasCompleted());
     EXPECT_EQ(first->received(), (std::vector<json>{held("a")}));
@@ -560,21 +558,21 @@ TEST_F(ScriptServiceTest, TwoRequestsInOneStreamRunEachWithItsOwnLimit) {
             subscriber.on_next(ScriptRequest(second, 1));
             subscriber.on_completed();
         });
-    ScriptService service(m_loader);
+    ScriptService service(loader);
     const auto outcome = subscribe(service.run(requests.as_dynamic()));
     settle();
-    ASSERT_EQ(m_log->events(), (Events{"start a1", "start b1"}));
-    m_gates->release("a1");
+    ASSERT_EQ(log->events(), (Events{"start a1", "start b1"}));
+    gates->release("a1");
     settle();
-    ASSERT_TRUE(m_log->contains("start a2"));
-    EXPECT_FALSE(m_log->contains("start b2"));
-    m_gates->release("b1");
+    ASSERT_TRUE(log->contains("start a2"));
+    EXPECT_FALSE(log->contains("start b2"));
+    gates->release("b1");
     settle();
-    ASSERT_TRUE(m_log->contains("start b2"));
-    m_gates->release("a2");
+    ASSERT_TRUE(log->contains("start b2"));
+    gates->release("a2");
     settle();
     EXPECT_FALSE(outcome->ended());
-    m_gates->release("b2");
+    gates->release("b2");
     settle();
     EXPECT_TRUE(outcome->hasCompleted());
     EXPECT_EQ(outcome->received().size(), 4u);
@@ -584,12 +582,12 @@ TEST_F(ScriptServiceTest, ScriptLineRunsANestedScriptWithALimiterOfItsOwn) {
     const QString inner = writeScript({"hold;a", "hold;b"});
     const auto outcome = start({"script;" + inner + ";--jobs=2", "echo;c;3"}, "1");
     settle();
-    ASSERT_EQ(m_log->events(), (Events{"start a", "start b"}));
-    m_gates->release("b");
-    m_gates->release("a");
+    ASSERT_EQ(log->events(), (Events{"start a", "start b"}));
+    gates->release("b");
+    gates->release("a");
     settle();
     EXPECT_TRUE(outcome->hasCompleted());
-    const Events events = m_log->events();
+    const Events events = log->events();
     ASSERT_EQ(events.size(), 6u);
     EXPECT_EQ(Events(events.end() - 2, events.end()), (Events{"start c", "end c"}));
     const auto values = outcome->received();
@@ -600,25 +598,25 @@ TEST_F(ScriptServiceTest, ScriptLineRunsANestedScriptWithALimiterOfItsOwn) {
 TEST_F(ScriptServiceTest, StartedCommandRunsOnAfterAFailure) {
     const auto outcome = start({"hold;a", "hold;b"}, "2");
     settle();
-    ASSERT_EQ(m_log->events(), (Events{"start a", "start b"}));
-    m_gates->fail("b", std::make_exception_ptr(std::runtime_error("b failed")));
+    ASSERT_EQ(log->events(), (Events{"start a", "start b"}));
+    gates->fail("b", std::make_exception_ptr(std::runtime_error("b failed")));
     settle();
     ASSERT_TRUE(outcome->ended());
-    m_gates->release("a", {json("late")});
+    gates->release("a", {json("late")});
     settle();
-    EXPECT_TRUE(m_log->contains("end a"));
-    EXPECT_FALSE(m_log->contains("cancel a"));
+    EXPECT_TRUE(log->contains("end a"));
+    EXPECT_FALSE(log->contains("cancel a"));
 }
 
 TEST_F(ScriptServiceTest, UnsubscribingLetsStartedCommandsRunOn) {
     const auto outcome = start({"hold;a", "hold;b"}, "1");
     settle();
-    ASSERT_EQ(m_log->events(), (Events{"start a"}));
+    ASSERT_EQ(log->events(), (Events{"start a"}));
     outcome->lifetime.unsubscribe();
-    m_gates->release("a");
+    gates->release("a");
     settle();
-    EXPECT_TRUE(m_log->contains("end a"));
-    EXPECT_FALSE(m_log->contains("cancel a"));
+    EXPECT_TRUE(log->contains("end a"));
+    EXPECT_FALSE(log->contains("cancel a"));
 }
 
 TEST_F(ScriptServiceTest, UnsubscribingBeforeTheCommandsArriveStartsNone) {
@@ -627,7 +625,7 @@ TEST_F(ScriptServiceTest, UnsubscribingBeforeTheCommandsArriveStartsNone) {
     const auto outcome = start({"echo;a;1", "echo;b;2", "hold;c"}, "0");
     outcome->lifetime.unsubscribe();
     settle();
-    EXPECT_TRUE(m_log->events().empty());
+    EXPECT_TRUE(log->events().empty());
     EXPECT_TRUE(outcome->received().empty());
     EXPECT_EQ(outcome->endCount(), 0);
 }
@@ -637,7 +635,7 @@ TEST_F(ScriptServiceTest, UnsubscribingStopsTheReadingAtTheNextLine) {
     const auto results =
         runScript(writeScript({"hold;a", "echo;b", "echo;c", "echo;d", "echo;e"}), "1");
     auto outcome = std::make_shared<Outcome>();
-    m_outcomes.push_back(outcome);
+    outcomes.push_back(outcome);
     std::vector<std::string> logged;
     {
         LogGate gate("Processing command: echo;c");
@@ -652,27 +650,27 @@ TEST_F(ScriptServiceTest, UnsubscribingStopsTheReadingAtTheNextLine) {
     EXPECT_EQ(logged,
               (std::vector<std::string>{"Processing command: hold;a", "Processing command: echo;b",
                                         "Processing command: echo;c"}));
-    m_gates->release("a");
+    gates->release("a");
     settle();
-    EXPECT_TRUE(m_log->contains("end a"));
-    EXPECT_FALSE(m_log->contains("start d"));
+    EXPECT_TRUE(log->contains("end a"));
+    EXPECT_FALSE(log->contains("start d"));
 }
 
 TEST_F(ScriptServiceTest, LoaderGoneWhileAScriptRunsFailsTheStreamWithError) {
-    ScriptService service(m_loader);
+    ScriptService service(loader);
     const auto outcome = subscribe(
         service.run(rxcpp::observable<>::just(ScriptRequest(writeScript({"hold;a", "echo;b;2"}), 1))
                         .as_dynamic()));
     settle();
-    ASSERT_TRUE(m_gates->isHeld("a"));
-    const std::weak_ptr<ServiceLoader> watch = m_loader;
-    m_loader.reset();
+    ASSERT_TRUE(gates->isHeld("a"));
+    const std::weak_ptr<ServiceLoader> watch = loader;
+    loader.reset();
     ASSERT_TRUE(watch.expired());
-    m_gates->release("a");
+    gates->release("a");
     settle();
     EXPECT_THAT(outcome->failure(), FailedWith<Error>("The service loader is gone"));
     EXPECT_EQ(outcome->received(), (std::vector<json>{held("a")}));
-    EXPECT_FALSE(m_log->contains("start b"));
+    EXPECT_FALSE(log->contains("start b"));
 }
 
 TEST_F(ScriptServiceTest, ValuesPassUnchangedAndUnmarked) {
@@ -687,13 +685,13 @@ TEST_F(ScriptServiceTest, ValuesPassUnchangedAndUnmarked) {
 TEST_F(ScriptServiceTest, ValuesArriveOnTheThreadOnWhichTheCommandSendsThem) {
     const auto outcome = start({"hold;a"}, "1");
     settle();
-    ASSERT_TRUE(m_gates->isHeld("a"));
-    m_gates->release("a");
+    ASSERT_TRUE(gates->isHeld("a"));
+    gates->release("a");
     settle();
     ASSERT_TRUE(outcome->ended());
     std::lock_guard<std::mutex> lock(outcome->mutex);
     ASSERT_EQ(outcome->valueThreads.size(), 1u);
-    EXPECT_EQ(outcome->valueThreads.front(), m_log->threadOf("end a"));
+    EXPECT_EQ(outcome->valueThreads.front(), log->threadOf("end a"));
     EXPECT_NE(outcome->valueThreads.front(), std::this_thread::get_id());
 }
 
