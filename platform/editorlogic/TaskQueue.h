@@ -16,8 +16,8 @@ public:
     std::function<void()> takeTask() override;
 
 private:
-    std::mutex m_mutex;
-    std::deque<std::function<void()>> m_tasks;
+    std::mutex mutex;
+    std::deque<std::function<void()>> tasks;
 };
 
 } // namespace Thumbnail
