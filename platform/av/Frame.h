@@ -15,9 +15,6 @@ public:
     // A picture of its own buffers, of the given size and AVPixelFormat, every byte zero.
     static Frame picture(int width, int height, int pixelFormat);
 
-    Frame(Frame&&) noexcept = default;
-    Frame& operator=(Frame&&) noexcept = default;
-
     AVFrame* get() const { return frame.get(); }
     AVFrame* operator->() const { return frame.get(); }
 

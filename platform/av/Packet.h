@@ -12,9 +12,6 @@ class Packet {
 public:
     Packet();
 
-    Packet(Packet&&) noexcept = default;
-    Packet& operator=(Packet&&) noexcept = default;
-
     AVPacket* get() const { return packet.get(); }
     AVPacket* operator->() const { return packet.get(); }
 

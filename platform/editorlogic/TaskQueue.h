@@ -10,8 +10,6 @@ namespace Thumbnail {
 // Tasks handed over from any thread, taken in the order they came.
 class TaskQueue : public TaskProvider {
 public:
-    TaskQueue() = default;
-
     void push(std::function<void()> task);
     std::function<void()> takeTask() override;
 

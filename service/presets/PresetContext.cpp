@@ -97,16 +97,6 @@ QString joined(const std::vector<std::string>& ids) {
 PresetContext::PresetContext()
     : preset(defaultPreset()) {}
 
-PresetContext::PresetContext(const PresetContext& other) = default;
-
-PresetContext::PresetContext(PresetContext&& other) noexcept = default;
-
-PresetContext& PresetContext::operator=(const PresetContext& other) = default;
-
-PresetContext& PresetContext::operator=(PresetContext&& other) noexcept = default;
-
-PresetContext::~PresetContext() = default;
-
 QString PresetContext::defaultPreset() {
     return QStringLiteral("mp4");
 }
