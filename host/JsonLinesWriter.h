@@ -19,8 +19,8 @@ public:
     void close();
 
 private:
-    mutable std::mutex m_mutex;
-    std::FILE* m_stream;
-    std::function<void()> m_closed;
-    bool m_isClosed = false;
+    mutable std::mutex mutex;
+    std::FILE* stream;
+    std::function<void()> closed;
+    bool ended = false;
 };

@@ -15,10 +15,8 @@ std::string timeLeft(double progress, double frames, double fps) {
 
 } // namespace
 
-ProgressLine::ProgressLine(std::FILE* terminal) {
-    if (terminal && ::isatty(::fileno(terminal)))
-        m_terminal = terminal;
-}
+ProgressLine::ProgressLine(std::FILE* terminal)
+    : terminal(terminal && ::isatty(::fileno(terminal)) ? terminal : nullptr) {}
 
 std::string ProgressLine::describe(const nlohmann::json& progress) {
     const double share = progress.value("progress", 0.0);
@@ -30,33 +28,33 @@ std::string ProgressLine::describe(const nlohmann::json& progress) {
 }
 
 void ProgressLine::show(const nlohmann::json& value) {
-    if (!m_terminal || !value.is_object())
+    if (!terminal || !value.is_object())
         return;
     const auto found = value.find("export");
     if (found == value.end() || !found->is_object() || !found->contains("output"))
         return;
     const auto& state = *found;
     const std::string output = state.value("output", std::string());
-    std::lock_guard<std::mutex> lock(m_mutex);
+    std::lock_guard<std::mutex> lock(mutex);
     if (state.contains("progress"))
-        m_exports[output] = describe(state);
+        exports[output] = describe(state);
     else
-        m_exports.erase(output);
+        exports.erase(output);
     std::string line = "\r";
-    for (const auto& entry : m_exports)
+    for (const auto& entry : exports)
         line += (line.size() > 1 ? " | " : "") + entry.second;
     line += "\033[K";
-    m_drawn = true;
-    std::fputs(line.c_str(), m_terminal);
-    std::fflush(m_terminal);
+    drawn = true;
+    std::fputs(line.c_str(), terminal);
+    std::fflush(terminal);
 }
 
 void ProgressLine::clear() {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_drawn)
+    std::lock_guard<std::mutex> lock(mutex);
+    if (!drawn)
         return;
-    m_drawn = false;
-    m_exports.clear();
-    std::fputs("\r\033[K", m_terminal);
-    std::fflush(m_terminal);
+    drawn = false;
+    exports.clear();
+    std::fputs("\r\033[K", terminal);
+    std::fflush(terminal);
 }

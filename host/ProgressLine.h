@@ -24,8 +24,8 @@ public:
     static std::string describe(const nlohmann::json& progress);
 
 private:
-    std::mutex m_mutex;
-    std::FILE* m_terminal = nullptr;
-    bool m_drawn = false;
-    std::map<std::string, std::string> m_exports;
+    std::mutex mutex;
+    std::FILE* terminal = nullptr;
+    bool drawn = false;
+    std::map<std::string, std::string> exports;
 };

@@ -26,25 +26,25 @@ void SignalWatcher::blockWatchedSignals() {
 }
 
 SignalWatcher::SignalWatcher(std::function<void(int)> received)
-    : m_received(std::move(received)) {
+    : received(std::move(received)) {
     blockWatchedSignals();
     const sigset_t watched = watchedSignals();
-    m_descriptor = ::signalfd(-1, &watched, SFD_CLOEXEC | SFD_NONBLOCK);
-    if (m_descriptor < 0)
+    descriptor = ::signalfd(-1, &watched, SFD_CLOEXEC | SFD_NONBLOCK);
+    if (descriptor < 0)
         throw std::system_error(errno, std::generic_category(), "signalfd");
-    m_notifier = new QSocketNotifier(m_descriptor, QSocketNotifier::Read, this);
-    connect(m_notifier, &QSocketNotifier::activated, this, &SignalWatcher::readSignals);
+    notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, &SignalWatcher::readSignals);
 }
 
 // The signals stay blocked to the end of the process, so one that comes while the host shuts
 // down changes nothing, where the default action would kill it.
 SignalWatcher::~SignalWatcher() {
-    delete m_notifier;
-    ::close(m_descriptor);
+    delete notifier;
+    ::close(descriptor);
 }
 
 void SignalWatcher::readSignals() {
     signalfd_siginfo info;
-    while (::read(m_descriptor, &info, sizeof info) == ssize_t(sizeof info))
-        m_received(int(info.ssi_signo));
+    while (::read(descriptor, &info, sizeof info) == ssize_t(sizeof info))
+        received(int(info.ssi_signo));
 }

@@ -23,7 +23,7 @@ public:
 private:
     void readSignals();
 
-    std::function<void(int)> m_received;
-    int m_descriptor = -1;
-    QSocketNotifier* m_notifier = nullptr;
+    std::function<void(int)> received;
+    int descriptor = -1;
+    QSocketNotifier* notifier = nullptr;
 };

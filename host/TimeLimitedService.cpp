@@ -21,27 +21,26 @@ QString commandLineOf(const QString& serviceName, const Request& request) {
 
 TimeLimitedService::TimeLimitedService(QString serviceName,
                                        std::shared_ptr<AbstractService> service, Expiry expiry)
-    : m_serviceName(std::move(serviceName))
-    , m_service(std::move(service))
-    , m_expiry(std::move(expiry)) {}
+    : serviceName(std::move(serviceName))
+    , service(std::move(service))
+    , expiry(std::move(expiry)) {}
 
 std::unique_ptr<AbstractRequestSerializer> TimeLimitedService::requestSerializer() const {
-    return TimeoutProxyService(m_service, {}).requestSerializer();
+    return TimeoutProxyService(service, {}).requestSerializer();
 }
 
 rxcpp::observable<nlohmann::json>
 TimeLimitedService::run(const rxcpp::observable<std::shared_ptr<Request>>& requests) {
-    const auto serviceName = m_serviceName;
-    const auto service = m_service;
-    const auto expiry = m_expiry;
+    const auto name = serviceName;
+    const auto wrapped = service;
+    const auto onExpiry = expiry;
     return requests
-        .flat_map([serviceName, service, expiry](const std::shared_ptr<Request>& request) {
+        .flat_map([name, wrapped, onExpiry](const std::shared_ptr<Request>& request) {
             const auto limited = std::dynamic_pointer_cast<TimeoutRequest>(request);
             const int seconds = limited && limited->timeout ? *limited->timeout : 0;
-            TimeoutProxyService proxy(service,
-                                      [serviceName, expiry, seconds](const Request& wrapped) {
-                                          expiry(seconds, commandLineOf(serviceName, wrapped));
-                                      });
+            TimeoutProxyService proxy(wrapped, [name, onExpiry, seconds](const Request& expired) {
+                onExpiry(seconds, commandLineOf(name, expired));
+            });
             return proxy.run(request);
         })
         .as_dynamic();

@@ -21,7 +21,7 @@ public:
     run(const rxcpp::observable<std::shared_ptr<EditorService::Request>>& requests) override;
 
 private:
-    QString m_serviceName;
-    std::shared_ptr<EditorService::AbstractService> m_service;
-    Expiry m_expiry;
+    QString serviceName;
+    std::shared_ptr<EditorService::AbstractService> service;
+    Expiry expiry;
 };

@@ -6,16 +6,16 @@ namespace {
 class PipelineExport : public ExportRun {
 public:
     explicit PipelineExport(const Export::ExportSettings& settings)
-        : m_exporter(settings) {}
+        : exporter(settings) {}
 
-    const std::string& temporaryPath() const override { return m_exporter.temporaryPath(); }
+    const std::string& temporaryPath() const override { return exporter.temporaryPath(); }
     Export::ExportResult run(const Export::Exporter::Progress& progress) override {
-        return m_exporter.run(progress);
+        return exporter.run(progress);
     }
-    void cancel() override { m_exporter.cancel(); }
+    void cancel() override { exporter.cancel(); }
 
 private:
-    Export::Exporter m_exporter;
+    Export::Exporter exporter;
 };
 
 } // namespace

@@ -322,7 +322,7 @@ ExportService::ExportService()
     : ExportService(pipelineExports()) {}
 
 ExportService::ExportService(ExportRunFactory exports)
-    : m_exports(std::move(exports)) {}
+    : exports(std::move(exports)) {}
 
 void ExportService::cancelAll() {
     std::vector<std::shared_ptr<ExportState>> states;
@@ -343,9 +343,9 @@ QString ExportService::serviceId() {
 
 rxcpp::observable<nlohmann::json>
 ExportService::run(const rxcpp::observable<ExportRequest>& requests) {
-    const auto exports = m_exports;
+    const auto factory = exports;
     return requests
-        .flat_map([exports](const ExportRequest& request) { return exportOne(request, exports); })
+        .flat_map([factory](const ExportRequest& request) { return exportOne(request, factory); })
         .as_dynamic();
 }
 

@@ -42,7 +42,7 @@ public:
     run(const rxcpp::observable<ExportRequest>& requests) override;
 
 private:
-    ExportRunFactory m_exports;
+    ExportRunFactory exports;
 };
 
 } // namespace EditorService

@@ -8,7 +8,7 @@ namespace EditorCollection {
 
 PackCollectionController::PackCollectionController(
     std::shared_ptr<Package::IPackageHelper> packageHelper)
-    : m_packageHelper(std::move(packageHelper)) {
+    : helper(std::move(packageHelper)) {
     Velmor::Testing::Probe::hit(
         "EditorCollection::PackCollectionController::PackCollectionController");
     Velmor::Testing::CallLog::record(
@@ -21,13 +21,13 @@ PackCollectionController::~PackCollectionController() {
 }
 
 QStringList PackCollectionController::packs() const {
-    if (!m_packageHelper)
+    if (!helper)
         return {};
-    return m_packageHelper->installedPackages();
+    return helper->installedPackages();
 }
 
 const std::shared_ptr<Package::IPackageHelper>& PackCollectionController::packageHelper() const {
-    return m_packageHelper;
+    return helper;
 }
 
 } // namespace EditorCollection

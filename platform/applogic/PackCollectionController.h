@@ -21,7 +21,7 @@ public:
     const std::shared_ptr<Package::IPackageHelper>& packageHelper() const;
 
 private:
-    std::shared_ptr<Package::IPackageHelper> m_packageHelper;
+    std::shared_ptr<Package::IPackageHelper> helper;
 };
 
 } // namespace EditorCollection

@@ -17,69 +17,69 @@ namespace Velmor::AV {
 template <typename T> class BoundedQueue {
 public:
     explicit BoundedQueue(std::size_t capacity)
-        : m_capacity(capacity ? capacity : 1) {}
+        : limit(capacity ? capacity : 1) {}
     BoundedQueue(const BoundedQueue&) = delete;
     BoundedQueue& operator=(const BoundedQueue&) = delete;
 
     // False, and the item dropped, once the queue is closed or cancelled.
     bool push(T item) {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_notFull.wait(lock, [this] { return m_done || m_items.size() < m_capacity; });
-        if (m_done)
+        std::unique_lock<std::mutex> lock(mutex);
+        notFull.wait(lock, [this] { return done || items.size() < limit; });
+        if (done)
             return false;
-        m_items.push_back(std::move(item));
-        m_notEmpty.notify_one();
+        items.push_back(std::move(item));
+        notEmpty.notify_one();
         return true;
     }
 
     // The next item; nothing once the queue is closed and empty, or cancelled.
     std::optional<T> pop() {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_notEmpty.wait(lock, [this] { return m_done || !m_items.empty(); });
-        if (m_items.empty() || m_cancelled)
+        std::unique_lock<std::mutex> lock(mutex);
+        notEmpty.wait(lock, [this] { return done || !items.empty(); });
+        if (items.empty() || cancelRequested)
             return std::nullopt;
-        std::optional<T> item(std::move(m_items.front()));
-        m_items.pop_front();
-        m_notFull.notify_one();
+        std::optional<T> item(std::move(items.front()));
+        items.pop_front();
+        notFull.notify_one();
         return item;
     }
 
     void close() {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_done = true;
-        m_notEmpty.notify_all();
-        m_notFull.notify_all();
+        std::lock_guard<std::mutex> lock(mutex);
+        done = true;
+        notEmpty.notify_all();
+        notFull.notify_all();
     }
 
     void cancel() {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_done = true;
-        m_cancelled = true;
-        m_items.clear();
-        m_notEmpty.notify_all();
-        m_notFull.notify_all();
+        std::lock_guard<std::mutex> lock(mutex);
+        done = true;
+        cancelRequested = true;
+        items.clear();
+        notEmpty.notify_all();
+        notFull.notify_all();
     }
 
     bool cancelled() const {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_cancelled;
+        std::lock_guard<std::mutex> lock(mutex);
+        return cancelRequested;
     }
 
     std::size_t size() const {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_items.size();
+        std::lock_guard<std::mutex> lock(mutex);
+        return items.size();
     }
 
-    std::size_t capacity() const { return m_capacity; }
+    std::size_t capacity() const { return limit; }
 
 private:
-    const std::size_t m_capacity;
-    mutable std::mutex m_mutex;
-    std::condition_variable m_notEmpty;
-    std::condition_variable m_notFull;
-    std::deque<T> m_items;
-    bool m_done = false;
-    bool m_cancelled = false;
+    const std::size_t limit;
+    mutable std::mutex mutex;
+    std::condition_variable notEmpty;
+    std::condition_variable notFull;
+    std::deque<T> items;
+    bool done = false;
+    bool cancelRequested = false;
 };
 
 } // namespace Velmor::AV

@@ -17,51 +17,51 @@ void Frame::Free::operator()(AVFrame* frame) const {
 }
 
 Frame::Frame()
-    : m_frame(av_frame_alloc()) {
-    if (!m_frame)
+    : frame(av_frame_alloc()) {
+    if (!frame)
         throw std::bad_alloc();
 }
 
 Frame Frame::picture(int width, int height, int pixelFormat) {
-    Frame frame;
-    frame->width = width;
-    frame->height = height;
-    frame->format = pixelFormat;
-    check(av_frame_get_buffer(frame.get(), 0), "Can not allocate a picture");
+    Frame picture;
+    picture->width = width;
+    picture->height = height;
+    picture->format = pixelFormat;
+    check(av_frame_get_buffer(picture.get(), 0), "Can not allocate a picture");
     // Zero so that a picture nobody painted is defined, also in the padding of each line.
-    for (int plane = 0; plane < AV_NUM_DATA_POINTERS && frame->buf[plane]; ++plane)
-        std::fill_n(frame->buf[plane]->data, frame->buf[plane]->size, 0);
-    return frame;
+    for (int plane = 0; plane < AV_NUM_DATA_POINTERS && picture->buf[plane]; ++plane)
+        std::fill_n(picture->buf[plane]->data, picture->buf[plane]->size, 0);
+    return picture;
 }
 
 int Frame::width() const {
-    return m_frame->width;
+    return frame->width;
 }
 
 int Frame::height() const {
-    return m_frame->height;
+    return frame->height;
 }
 
 int Frame::format() const {
-    return m_frame->format;
+    return frame->format;
 }
 
 std::int64_t Frame::timestamp() const {
-    return m_frame->best_effort_timestamp != AV_NOPTS_VALUE ? m_frame->best_effort_timestamp
-                                                            : m_frame->pts;
+    return frame->best_effort_timestamp != AV_NOPTS_VALUE ? frame->best_effort_timestamp
+                                                          : frame->pts;
 }
 
 void Frame::setTimestamp(std::int64_t timestamp) {
-    m_frame->pts = timestamp;
-    m_frame->best_effort_timestamp = timestamp;
+    frame->pts = timestamp;
+    frame->best_effort_timestamp = timestamp;
 }
 
 int Frame::samples() const {
-    return m_frame->nb_samples;
+    return frame->nb_samples;
 }
 
 void Frame::reset() {
-    av_frame_unref(m_frame.get());
+    av_frame_unref(frame.get());
 }
 
 } // namespace Velmor::AV

@@ -15,11 +15,8 @@ public:
     // A picture of its own buffers, of the given size and AVPixelFormat, every byte zero.
     static Frame picture(int width, int height, int pixelFormat);
 
-    Frame(Frame&&) noexcept = default;
-    Frame& operator=(Frame&&) noexcept = default;
-
-    AVFrame* get() const { return m_frame.get(); }
-    AVFrame* operator->() const { return m_frame.get(); }
+    AVFrame* get() const { return frame.get(); }
+    AVFrame* operator->() const { return frame.get(); }
 
     int width() const;
     int height() const;
@@ -39,7 +36,7 @@ private:
     struct Free {
         void operator()(AVFrame* frame) const;
     };
-    std::unique_ptr<AVFrame, Free> m_frame;
+    std::unique_ptr<AVFrame, Free> frame;
 };
 
 } // namespace Velmor::AV

@@ -13,29 +13,29 @@ void Packet::Free::operator()(AVPacket* packet) const {
 }
 
 Packet::Packet()
-    : m_packet(av_packet_alloc()) {
-    if (!m_packet)
+    : packet(av_packet_alloc()) {
+    if (!packet)
         throw std::bad_alloc();
 }
 
 int Packet::streamIndex() const {
-    return m_packet->stream_index;
+    return packet->stream_index;
 }
 
 std::int64_t Packet::timestamp() const {
-    return m_packet->pts;
+    return packet->pts;
 }
 
 std::int64_t Packet::duration() const {
-    return m_packet->duration;
+    return packet->duration;
 }
 
 int Packet::size() const {
-    return m_packet->size;
+    return packet->size;
 }
 
 void Packet::reset() {
-    av_packet_unref(m_packet.get());
+    av_packet_unref(packet.get());
 }
 
 } // namespace Velmor::AV

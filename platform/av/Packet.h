@@ -12,11 +12,8 @@ class Packet {
 public:
     Packet();
 
-    Packet(Packet&&) noexcept = default;
-    Packet& operator=(Packet&&) noexcept = default;
-
-    AVPacket* get() const { return m_packet.get(); }
-    AVPacket* operator->() const { return m_packet.get(); }
+    AVPacket* get() const { return packet.get(); }
+    AVPacket* operator->() const { return packet.get(); }
 
     int streamIndex() const;
     // In the time base of whoever made it; AV_NOPTS_VALUE when unknown.
@@ -31,7 +28,7 @@ private:
     struct Free {
         void operator()(AVPacket* packet) const;
     };
-    std::unique_ptr<AVPacket, Free> m_packet;
+    std::unique_ptr<AVPacket, Free> packet;
 };
 
 } // namespace Velmor::AV

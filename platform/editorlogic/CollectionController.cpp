@@ -8,12 +8,12 @@
 namespace EditorCollection {
 
 Controller::Controller(const QSet<QString>& collectionIds)
-    : m_collectionIds(collectionIds) {
+    : ids(collectionIds) {
     Velmor::Testing::Probe::hit("EditorCollection::Controller::Controller");
-    QStringList ids = collectionIds.values();
-    ids.sort();
+    QStringList sortedIds = collectionIds.values();
+    sortedIds.sort();
     Velmor::Testing::CallLog::record("EditorCollection::Controller::Controller("
-                                     + ids.join(QLatin1Char(',')).toStdString() + ")");
+                                     + sortedIds.join(QLatin1Char(',')).toStdString() + ")");
 }
 
 Controller::~Controller() {
@@ -21,7 +21,7 @@ Controller::~Controller() {
 }
 
 const QSet<QString>& Controller::collectionIds() const {
-    return m_collectionIds;
+    return ids;
 }
 
 } // namespace EditorCollection

@@ -18,7 +18,7 @@ public:
     const QSet<QString>& collectionIds() const;
 
 private:
-    QSet<QString> m_collectionIds;
+    QSet<QString> ids;
 };
 
 } // namespace EditorCollection

@@ -29,11 +29,8 @@ public:
     void setCutter(std::unique_ptr<VideoStreamCutter> cutter);
 
 private:
-    QString m_path;
-    std::unique_ptr<Velmor::AV::Demuxer> m_demuxer;
-    std::unique_ptr<Velmor::AV::Decoder> m_decoder;
-    // Last, so that it goes first: it borrows the demuxer and the decoder.
-    std::unique_ptr<VideoStreamCutter> m_cutter;
+    class Private;
+    std::unique_ptr<Private> d;
 };
 
 } // namespace Media

@@ -15,10 +15,9 @@ std::atomic<FileController*> s_instance{nullptr};
 } // namespace
 
 FileController::FileController(ICreatorFileParser* parsers)
-    : m_parsers(parsers) {
+    : parserCreator(parsers) {
     Velmor::Testing::Probe::hit("Media::FileController::FileController");
-    m_jobs =
-        std::make_unique<Task::JobThread>([this] { emit isBusy(); }, [this] { emit isIdle(); });
+    jobs = std::make_unique<Task::JobThread>([this] { emit isBusy(); }, [this] { emit isIdle(); });
     Velmor::Testing::CallLog::record("Media::FileController::FileController");
     s_instance.store(this);
 }
@@ -26,7 +25,7 @@ FileController::FileController(ICreatorFileParser* parsers)
 FileController::~FileController() {
     FileController* self = this;
     s_instance.compare_exchange_strong(self, nullptr);
-    m_jobs.reset();
+    jobs.reset();
     Velmor::Testing::CallLog::record("Media::FileController::~FileController");
 }
 
@@ -35,19 +34,19 @@ FileController* FileController::instance() {
 }
 
 ICreatorFileParser* FileController::parsers() const {
-    return m_parsers;
+    return parserCreator;
 }
 
 void FileController::submit(std::function<void()> work) {
-    m_jobs->submit(std::move(work));
+    jobs->submit(std::move(work));
 }
 
 void FileController::parse(const QString& path, Parsed done) {
-    ICreatorFileParser* parsers = m_parsers;
-    m_jobs->submit([parsers, path, done = std::move(done)] {
+    ICreatorFileParser* creator = parserCreator;
+    jobs->submit([creator, path, done = std::move(done)] {
         Velmor::AV::MediaInfo info;
         try {
-            info = parsers->createFileParser(path, {})->info();
+            info = creator->createFileParser(path, {})->info();
         } catch (...) {
             done({}, std::current_exception());
             return;

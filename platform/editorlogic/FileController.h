@@ -42,8 +42,8 @@ signals:
     void isIdle();
 
 private:
-    ICreatorFileParser* m_parsers;
-    std::unique_ptr<Task::JobThread> m_jobs;
+    ICreatorFileParser* parserCreator;
+    std::unique_ptr<Task::JobThread> jobs;
 };
 
 } // namespace Media

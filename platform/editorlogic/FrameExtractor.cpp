@@ -32,19 +32,18 @@ FrameExtractor::~FrameExtractor() {
 void FrameExtractor::addProvider(const std::shared_ptr<TaskProvider>& provider) {
     if (!provider)
         return;
-    if (std::find(m_providers.begin(), m_providers.end(), provider) != m_providers.end())
+    if (std::find(providers.begin(), providers.end(), provider) != providers.end())
         return;
-    m_providers.push_back(provider);
+    providers.push_back(provider);
 }
 
 void FrameExtractor::removeProvider(const std::shared_ptr<TaskProvider>& provider) {
-    m_providers.erase(std::remove(m_providers.begin(), m_providers.end(), provider),
-                      m_providers.end());
+    providers.erase(std::remove(providers.begin(), providers.end(), provider), providers.end());
 }
 
 void FrameExtractor::process() {
-    const auto providers = m_providers;
-    for (const auto& provider : providers) {
+    const auto snapshot = providers;
+    for (const auto& provider : snapshot) {
         while (auto task = provider->takeTask())
             task();
     }

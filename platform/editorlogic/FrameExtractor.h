@@ -24,7 +24,7 @@ public:
     Result extract(const Request& request) override;
 
 private:
-    std::vector<std::shared_ptr<TaskProvider>> m_providers;
+    std::vector<std::shared_ptr<TaskProvider>> providers;
 };
 
 } // namespace Thumbnail

@@ -8,7 +8,7 @@
 namespace EditorCollection {
 
 PersistentItemController::PersistentItemController(AsyncLoadPolicy policy)
-    : m_policy(policy) {
+    : loadPolicy(policy) {
     Velmor::Testing::Probe::hit(
         "EditorCollection::PersistentItemController::PersistentItemController");
     Velmor::Testing::CallLog::record(
@@ -22,7 +22,7 @@ PersistentItemController::~PersistentItemController() {
 }
 
 AsyncLoadPolicy PersistentItemController::policy() const {
-    return m_policy;
+    return loadPolicy;
 }
 
 } // namespace EditorCollection

@@ -17,7 +17,7 @@ public:
     AsyncLoadPolicy policy() const;
 
 private:
-    AsyncLoadPolicy m_policy;
+    AsyncLoadPolicy loadPolicy;
 };
 
 } // namespace EditorCollection

@@ -3,15 +3,15 @@
 namespace Resource {
 
 void RedirectionTable::redirect(const QString& from, const QString& to) {
-    m_entries.insert(from, to);
+    entries.insert(from, to);
 }
 
 QString RedirectionTable::resolve(const QString& path) const {
-    return m_entries.value(path, path);
+    return entries.value(path, path);
 }
 
 int RedirectionTable::size() const {
-    return m_entries.size();
+    return entries.size();
 }
 
 } // namespace Resource

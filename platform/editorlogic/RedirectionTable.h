@@ -14,7 +14,7 @@ public:
     int size() const;
 
 private:
-    QHash<QString, QString> m_entries;
+    QHash<QString, QString> entries;
 };
 
 } // namespace Resource

@@ -15,11 +15,11 @@ RedirectionTableHolder::~RedirectionTableHolder() {
 }
 
 RedirectionTable& RedirectionTableHolder::table() {
-    return m_table;
+    return redirections;
 }
 
 const RedirectionTable& RedirectionTableHolder::table() const {
-    return m_table;
+    return redirections;
 }
 
 void RedirectionTableHolder::flush() const {

@@ -16,7 +16,7 @@ public:
     void flush() const override;
 
 private:
-    RedirectionTable m_table;
+    RedirectionTable redirections;
 };
 
 } // namespace Resource

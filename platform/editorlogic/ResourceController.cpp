@@ -8,7 +8,7 @@
 namespace Resource {
 
 Controller::Controller(std::unique_ptr<IRedirectionTableHolder> redirections)
-    : m_redirections(std::move(redirections)) {
+    : holder(std::move(redirections)) {
     Velmor::Testing::Probe::hit("Resource::Controller::Controller");
     Velmor::Testing::CallLog::record("Resource::Controller::Controller");
 }
@@ -18,11 +18,11 @@ Controller::~Controller() {
 }
 
 QString Controller::locate(const QString& path) const {
-    return m_redirections->table().resolve(path);
+    return holder->table().resolve(path);
 }
 
 IRedirectionTableHolder& Controller::redirections() const {
-    return *m_redirections;
+    return *holder;
 }
 
 } // namespace Resource

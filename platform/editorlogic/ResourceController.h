@@ -19,7 +19,7 @@ public:
     IRedirectionTableHolder& redirections() const;
 
 private:
-    std::unique_ptr<IRedirectionTableHolder> m_redirections;
+    std::unique_ptr<IRedirectionTableHolder> holder;
 };
 
 } // namespace Resource

@@ -16,8 +16,8 @@ std::atomic<Controller*> s_instance{nullptr};
 
 Controller::Controller() {
     Velmor::Testing::Probe::hit("Task::Controller::Controller");
-    m_jobs = std::make_unique<JobThread>([this] { enter(); }, [this] { leave(); });
-    m_concurrentJobs = std::make_unique<JobPool>([this] { enter(); }, [this] { leave(); });
+    jobs = std::make_unique<JobThread>([this] { enter(); }, [this] { leave(); });
+    concurrentJobs = std::make_unique<JobPool>([this] { enter(); }, [this] { leave(); });
     Velmor::Testing::CallLog::record("Task::Controller::Controller");
     s_instance.store(this);
 }
@@ -25,8 +25,8 @@ Controller::Controller() {
 Controller::~Controller() {
     Controller* self = this;
     s_instance.compare_exchange_strong(self, nullptr);
-    m_concurrentJobs.reset();
-    m_jobs.reset();
+    concurrentJobs.reset();
+    jobs.reset();
     Velmor::Testing::CallLog::record("Task::Controller::~Controller");
 }
 
@@ -35,24 +35,24 @@ Controller* Controller::instance() {
 }
 
 void Controller::submit(std::function<void()> task) {
-    m_jobs->submit(std::move(task));
+    jobs->submit(std::move(task));
 }
 
 void Controller::submitConcurrent(std::function<void()> task) {
-    m_concurrentJobs->submit(std::move(task));
+    concurrentJobs->submit(std::move(task));
 }
 
 // The serial thread and the pool turn busy and idle each by itself; the controller is busy
 // while either is. The signals go out under the lock, so that they alternate.
 void Controller::enter() {
-    std::lock_guard<std::mutex> lock(m_activity);
-    if (m_activeRunners++ == 0)
+    std::lock_guard<std::mutex> lock(activity);
+    if (activeRunners++ == 0)
         emit isBusy();
 }
 
 void Controller::leave() {
-    std::lock_guard<std::mutex> lock(m_activity);
-    if (--m_activeRunners == 0)
+    std::lock_guard<std::mutex> lock(activity);
+    if (--activeRunners == 0)
         emit isIdle();
 }
 

@@ -37,10 +37,10 @@ private:
     void enter();
     void leave();
 
-    std::mutex m_activity;
-    int m_activeRunners = 0;
-    std::unique_ptr<JobThread> m_jobs;
-    std::unique_ptr<JobPool> m_concurrentJobs;
+    std::mutex activity;
+    int activeRunners = 0;
+    std::unique_ptr<JobThread> jobs;
+    std::unique_ptr<JobPool> concurrentJobs;
 };
 
 } // namespace Task

@@ -10,14 +10,12 @@ namespace Thumbnail {
 // Tasks handed over from any thread, taken in the order they came.
 class TaskQueue : public TaskProvider {
 public:
-    TaskQueue() = default;
-
     void push(std::function<void()> task);
     std::function<void()> takeTask() override;
 
 private:
-    std::mutex m_mutex;
-    std::deque<std::function<void()>> m_tasks;
+    std::mutex mutex;
+    std::deque<std::function<void()>> tasks;
 };
 
 } // namespace Thumbnail

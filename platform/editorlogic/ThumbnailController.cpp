@@ -17,11 +17,11 @@ std::atomic<Controller*> s_instance{nullptr};
 } // namespace
 
 Controller::Controller(std::shared_ptr<Extractor> extractor)
-    : m_extractor(std::move(extractor))
-    , m_tasks(std::make_shared<TaskQueue>()) {
+    : sharedExtractor(std::move(extractor))
+    , tasks(std::make_shared<TaskQueue>()) {
     Velmor::Testing::Probe::hit("Thumbnail::Controller::Controller");
-    if (m_extractor)
-        m_extractor->addProvider(m_tasks);
+    if (sharedExtractor)
+        sharedExtractor->addProvider(tasks);
     Velmor::Testing::CallLog::record("Thumbnail::Controller::Controller");
     s_instance.store(this);
 }
@@ -29,8 +29,8 @@ Controller::Controller(std::shared_ptr<Extractor> extractor)
 Controller::~Controller() {
     Controller* self = this;
     s_instance.compare_exchange_strong(self, nullptr);
-    if (m_extractor)
-        m_extractor->removeProvider(m_tasks);
+    if (sharedExtractor)
+        sharedExtractor->removeProvider(tasks);
     Velmor::Testing::CallLog::record("Thumbnail::Controller::~Controller");
 }
 
@@ -39,18 +39,18 @@ Controller* Controller::instance() {
 }
 
 const std::shared_ptr<Extractor>& Controller::extractor() const {
-    return m_extractor;
+    return sharedExtractor;
 }
 
 void Controller::extract(const Request& request, Done done) {
-    auto* tasks = Task::Controller::instance();
-    if (!tasks)
+    auto* taskController = Task::Controller::instance();
+    if (!taskController)
         throw std::logic_error("Can not extract a thumbnail: no task controller runs");
-    std::weak_ptr<Extractor> extractor = m_extractor;
-    m_tasks->push([extractor, request, done = std::move(done)] {
+    std::weak_ptr<Extractor> weakExtractor = sharedExtractor;
+    tasks->push([weakExtractor, request, done = std::move(done)] {
         Result result;
         try {
-            const auto alive = extractor.lock();
+            const auto alive = weakExtractor.lock();
             if (!alive)
                 throw std::logic_error("Can not extract a thumbnail: the extractor is gone");
             result = alive->extract(request);
@@ -61,8 +61,8 @@ void Controller::extract(const Request& request, Done done) {
         done(result, nullptr);
     });
     // The task runs inside process(), which takes every queued task of every provider.
-    std::shared_ptr<Extractor> owner = m_extractor;
-    tasks->submit([owner] { owner->process(); });
+    std::shared_ptr<Extractor> owner = sharedExtractor;
+    taskController->submit([owner] { owner->process(); });
 }
 
 } // namespace Thumbnail

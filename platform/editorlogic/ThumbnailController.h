@@ -31,8 +31,8 @@ public:
     void extract(const Request& request, Done done);
 
 private:
-    std::shared_ptr<Extractor> m_extractor;
-    std::shared_ptr<TaskQueue> m_tasks;
+    std::shared_ptr<Extractor> sharedExtractor;
+    std::shared_ptr<TaskQueue> tasks;
 };
 
 } // namespace Thumbnail

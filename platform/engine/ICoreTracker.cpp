@@ -5,11 +5,11 @@ namespace Velmor::Proc {
 ICoreTracker::~ICoreTracker() = default;
 
 void intrusive_ptr_add_ref(ICoreTracker* tracker) {
-    tracker->m_references.fetch_add(1, std::memory_order_relaxed);
+    tracker->references.fetch_add(1, std::memory_order_relaxed);
 }
 
 void intrusive_ptr_release(ICoreTracker* tracker) {
-    if (tracker->m_references.fetch_sub(1, std::memory_order_acq_rel) == 1)
+    if (tracker->references.fetch_sub(1, std::memory_order_acq_rel) == 1)
         delete tracker;
 }
 

@@ -20,7 +20,7 @@ public:
     friend void intrusive_ptr_release(ICoreTracker* tracker);
 
 private:
-    std::atomic<int> m_references{0};
+    std::atomic<int> references{0};
 };
 
 } // namespace Velmor::Proc

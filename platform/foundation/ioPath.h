@@ -12,10 +12,10 @@ public:
     explicit ioPath(const QString& path);
     explicit ioPath(const char* path);
 
-    operator QString() const { return m_path; }
-    const QString& ToQString() const { return m_path; }
+    operator QString() const { return path; }
+    const QString& ToQString() const { return path; }
 
-    bool IsEmpty() const { return m_path.isEmpty(); }
+    bool IsEmpty() const { return path.isEmpty(); }
     bool IsAbsolute() const;
     // The last part of the path: the file name without its directory.
     QString FileName() const;
@@ -23,11 +23,11 @@ public:
     // The path of an entry inside this directory.
     ioPath operator/(const QString& entry) const;
 
-    bool operator==(const ioPath& other) const { return m_path == other.m_path; }
-    bool operator!=(const ioPath& other) const { return m_path != other.m_path; }
+    bool operator==(const ioPath& other) const { return path == other.path; }
+    bool operator!=(const ioPath& other) const { return path != other.path; }
 
 private:
-    QString m_path;
+    QString path;
 };
 
 } // namespace Velmor

@@ -3,29 +3,29 @@
 namespace Types {
 
 Range::Range()
-    : m_start(0)
-    , m_end(0)
-    , m_valid(false) {}
+    : startTime(0)
+    , endTime(0)
+    , valid(false) {}
 
 Range::Range(MTime start, MTime end)
-    : m_start(start)
-    , m_end(end)
-    , m_valid(true) {}
+    : startTime(start)
+    , endTime(end)
+    , valid(true) {}
 
 bool Range::operator==(const Range& other) const {
-    return m_valid == other.m_valid && m_start == other.m_start && m_end == other.m_end;
+    return valid == other.valid && startTime == other.startTime && endTime == other.endTime;
 }
 
 bool Range::isValid() const {
-    return m_valid;
+    return valid;
 }
 
 MTime Range::start() const {
-    return m_start;
+    return startTime;
 }
 
 MTime Range::end() const {
-    return m_end;
+    return endTime;
 }
 
 } // namespace Types

@@ -20,9 +20,9 @@ public:
     MTime end() const;
 
 private:
-    MTime m_start;
-    MTime m_end;
-    bool m_valid;
+    MTime startTime;
+    MTime endTime;
+    bool valid;
 };
 
 } // namespace Types

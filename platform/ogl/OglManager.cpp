@@ -12,18 +12,18 @@ OglManager& OglManager::GetInstance() {
 
 bool OglManager::IsInitialized() const {
     Testing::CallLog::record("OglManager::IsInitialized");
-    return m_initialized.load();
+    return initialized.load();
 }
 
 void OglManager::Initialize() {
     Testing::CallLog::record("OglManager::Initialize");
     Testing::Probe::hit("OglManager::Initialize");
-    m_initialized.store(true);
+    initialized.store(true);
 }
 
 void OglManager::Deinitialize() {
     Testing::CallLog::record("OglManager::Deinitialize");
-    m_initialized.store(false);
+    initialized.store(false);
 }
 
 } // namespace Velmor::Ogl

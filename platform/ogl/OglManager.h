@@ -20,7 +20,7 @@ public:
 private:
     OglManager() = default;
 
-    std::atomic<bool> m_initialized{false};
+    std::atomic<bool> initialized{false};
 };
 
 } // namespace Velmor::Ogl

@@ -8,35 +8,35 @@ namespace Serialize::Json {
 
 iarchive::iarchive(const nlohmann::json& root, int flags)
     : boost::archive::detail::common_iarchive<iarchive>(0)
-    , m_flags(flags) {
+    , configFlags(flags) {
     enter(root);
 }
 
 iarchive::~iarchive() = default;
 
 const nlohmann::json& iarchive::headRef() const {
-    return *m_stack.back();
+    return *stack.back();
 }
 
 void iarchive::enter(const nlohmann::json& value) {
-    m_stack.push_back(&value);
+    stack.push_back(&value);
     if (const auto id = getObjectId(value))
-        m_references[*id] = &value;
+        references[*id] = &value;
 }
 
 void iarchive::leave() {
-    m_stack.pop_back();
+    stack.pop_back();
 }
 
 const nlohmann::json& iarchive::referencedValue(std::uint64_t id) const {
-    const auto found = m_references.find(id);
-    if (found == m_references.end())
+    const auto found = references.find(id);
+    if (found == references.end())
         throw std::out_of_range("invalid map<K, T> key");
     return *found->second;
 }
 
 int iarchive::flags() const {
-    return m_flags;
+    return configFlags;
 }
 
 void iarchive::vload(boost::archive::version_type&) {}

@@ -57,9 +57,9 @@ private:
     void vload(boost::archive::tracking_type& tracking) override;
     void vload(boost::archive::class_name_type& name) override;
 
-    std::vector<const nlohmann::json*> m_stack;
-    std::map<std::uint64_t, const nlohmann::json*> m_references;
-    int m_flags;
+    std::vector<const nlohmann::json*> stack;
+    std::map<std::uint64_t, const nlohmann::json*> references;
+    int configFlags;
 };
 
 } // namespace Serialize::Json

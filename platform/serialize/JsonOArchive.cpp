@@ -4,26 +4,26 @@ namespace Serialize::Json {
 
 oarchive::oarchive(nlohmann::json& root, int flags)
     : boost::archive::detail::common_oarchive<oarchive>(0)
-    , m_flags(flags) {
+    , configFlags(flags) {
     enter(root);
 }
 
 oarchive::~oarchive() = default;
 
 nlohmann::json& oarchive::headRef() {
-    return *m_stack.back();
+    return *stack.back();
 }
 
 void oarchive::enter(nlohmann::json& value) {
-    m_stack.push_back(&value);
+    stack.push_back(&value);
 }
 
 void oarchive::leave() {
-    m_stack.pop_back();
+    stack.pop_back();
 }
 
 int oarchive::flags() const {
-    return m_flags;
+    return configFlags;
 }
 
 void oarchive::vsave(const boost::archive::version_type) {}

@@ -50,8 +50,8 @@ private:
     void vsave(const boost::archive::class_name_type& name) override;
     void vsave(const boost::archive::tracking_type tracking) override;
 
-    std::vector<nlohmann::json*> m_stack;
-    int m_flags;
+    std::vector<nlohmann::json*> stack;
+    int configFlags;
 };
 
 } // namespace Serialize::Json

@@ -3,14 +3,14 @@
 namespace EditorService {
 
 Error::Error(const std::string& message)
-    : m_message(message) {}
+    : message(message) {}
 
 Error::Error(const Error& other) = default;
 
 Error::~Error() = default;
 
 const char* Error::what() const noexcept {
-    return m_message.c_str();
+    return message.c_str();
 }
 
 } // namespace EditorService

@@ -18,7 +18,7 @@ public:
     const char* what() const noexcept override;
 
 private:
-    std::string m_message;
+    std::string message;
 };
 
 } // namespace EditorService

@@ -31,12 +31,12 @@ ServiceLoader::~ServiceLoader() = default;
 
 void ServiceLoader::registerService(const QString& serviceName, const QString& summary,
                                     Factory factory) {
-    m_services[serviceName] = Entry{summary, std::move(factory)};
+    services[serviceName] = Entry{summary, std::move(factory)};
 }
 
 std::shared_ptr<AbstractService> ServiceLoader::createService(const QString& serviceName) const {
-    const auto found = m_services.find(serviceName);
-    if (found == m_services.end()) {
+    const auto found = services.find(serviceName);
+    if (found == services.end()) {
         throw Error(QStringLiteral("Unknown service %1, known services: %2")
                         .arg(quoted(serviceName), serviceNames().join(QStringLiteral(", ")))
                         .toStdString());
@@ -46,14 +46,14 @@ std::shared_ptr<AbstractService> ServiceLoader::createService(const QString& ser
 
 QStringList ServiceLoader::serviceNames() const {
     QStringList names;
-    for (const auto& service : m_services)
+    for (const auto& service : services)
         names.append(service.first);
     return names;
 }
 
 QString ServiceLoader::summary(const QString& serviceName) const {
-    const auto found = m_services.find(serviceName);
-    return found == m_services.end() ? QString() : found->second.summary;
+    const auto found = services.find(serviceName);
+    return found == services.end() ? QString() : found->second.summary;
 }
 
 } // namespace EditorService

@@ -45,7 +45,7 @@ private:
         QString summary;
         Factory factory;
     };
-    std::map<QString, Entry> m_services;
+    std::map<QString, Entry> services;
 };
 
 } // namespace EditorService

@@ -67,22 +67,22 @@ class PresetUpdate {
 public:
     PresetUpdate(const Preset& preset, std::shared_ptr<Export::PresetProvider> provider,
                  const Media::Video* video)
-        : m_preset(preset)
-        , m_provider(std::move(provider))
-        , m_video(video) {}
+        : preset(preset)
+        , provider(std::move(provider))
+        , video(video) {}
     PresetUpdate(const PresetUpdate&) = delete;
     PresetUpdate& operator=(const PresetUpdate&) = delete;
 
     ~PresetUpdate() noexcept {
-        m_provider->updatePreset(m_preset);
-        if (m_video)
-            m_provider->updateResolutionPresetIfNeeded(m_video);
+        provider->updatePreset(preset);
+        if (video)
+            provider->updateResolutionPresetIfNeeded(video);
     }
 
 private:
-    const Preset& m_preset;
-    std::shared_ptr<Export::PresetProvider> m_provider;
-    const Media::Video* m_video;
+    const Preset& preset;
+    std::shared_ptr<Export::PresetProvider> provider;
+    const Media::Video* video;
 };
 
 QString joined(const std::vector<std::string>& ids) {
@@ -96,16 +96,6 @@ QString joined(const std::vector<std::string>& ids) {
 
 PresetContext::PresetContext()
     : preset(defaultPreset()) {}
-
-PresetContext::PresetContext(const PresetContext& other) = default;
-
-PresetContext::PresetContext(PresetContext&& other) noexcept = default;
-
-PresetContext& PresetContext::operator=(const PresetContext& other) = default;
-
-PresetContext& PresetContext::operator=(PresetContext&& other) noexcept = default;
-
-PresetContext::~PresetContext() = default;
 
 QString PresetContext::defaultPreset() {
     return QStringLiteral("mp4");

@@ -35,11 +35,6 @@ struct EDITORSERVICE_EXPORT PresetContext {
     };
 
     PresetContext();
-    PresetContext(const PresetContext& other);
-    PresetContext(PresetContext&& other) noexcept;
-    PresetContext& operator=(const PresetContext& other);
-    PresetContext& operator=(PresetContext&& other) noexcept;
-    ~PresetContext();
 
     // "mp4", the preset of a context that names none.
     static QString defaultPreset();

@@ -8,24 +8,6 @@ PresetFrameSize::PresetFrameSize(std::int32_t width, std::int32_t height)
     : width(width)
     , height(height) {}
 
-PresetFrameSize::PresetFrameSize(const PresetFrameSize& other) = default;
-
-PresetFrameSize::PresetFrameSize(PresetFrameSize&& other) noexcept = default;
-
-PresetFrameSize& PresetFrameSize::operator=(const PresetFrameSize& other) {
-    width = other.width;
-    height = other.height;
-    return *this;
-}
-
-PresetFrameSize& PresetFrameSize::operator=(PresetFrameSize&& other) noexcept {
-    width = other.width;
-    height = other.height;
-    return *this;
-}
-
-PresetFrameSize::~PresetFrameSize() = default;
-
 bool PresetFrameSize::isOriginal() const {
     return width == ORIGINAL && height == ORIGINAL;
 }

@@ -12,11 +12,6 @@ struct EDITORSERVICE_EXPORT PresetFrameSize {
 
     PresetFrameSize();
     PresetFrameSize(std::int32_t width, std::int32_t height);
-    PresetFrameSize(const PresetFrameSize& other);
-    PresetFrameSize(PresetFrameSize&& other) noexcept;
-    PresetFrameSize& operator=(const PresetFrameSize& other);
-    PresetFrameSize& operator=(PresetFrameSize&& other) noexcept;
-    ~PresetFrameSize();
 
     // Both sides at ORIGINAL; one alone is not enough.
     bool isOriginal() const;

@@ -10,12 +10,6 @@ template class DefaultServiceImpl<ScriptRequest>;
 ScriptService::ScriptService(std::weak_ptr<const ServiceLoader> serviceLoader)
     : serviceLoader(std::move(serviceLoader)) {}
 
-ScriptService::ScriptService(const ScriptService& other) = default;
-ScriptService::ScriptService(ScriptService&& other) noexcept = default;
-ScriptService& ScriptService::operator=(const ScriptService& other) = default;
-ScriptService& ScriptService::operator=(ScriptService&& other) noexcept = default;
-ScriptService::~ScriptService() = default;
-
 QString ScriptService::serviceId() {
     return QStringLiteral("script");
 }

@@ -19,11 +19,6 @@ extern template class EDITORSERVICE_EXPORT DefaultServiceImpl<ScriptRequest>;
 class EDITORSERVICE_EXPORT ScriptService : public DefaultServiceImpl<ScriptRequest> {
 public:
     explicit ScriptService(std::weak_ptr<const ServiceLoader> serviceLoader);
-    ScriptService(const ScriptService& other);
-    ScriptService(ScriptService&& other) noexcept;
-    ScriptService& operator=(const ScriptService& other);
-    ScriptService& operator=(ScriptService&& other) noexcept;
-    ~ScriptService() override;
 
     // "script": the name under which a loader knows this service.
     static QString serviceId();

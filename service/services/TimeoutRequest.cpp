@@ -4,13 +4,6 @@
 
 namespace EditorService {
 
-TimeoutRequest::TimeoutRequest() = default;
-TimeoutRequest::TimeoutRequest(const TimeoutRequest& other) = default;
-TimeoutRequest::TimeoutRequest(TimeoutRequest&& other) noexcept = default;
-TimeoutRequest& TimeoutRequest::operator=(const TimeoutRequest& other) = default;
-TimeoutRequest& TimeoutRequest::operator=(TimeoutRequest&& other) noexcept = default;
-TimeoutRequest::~TimeoutRequest() = default;
-
 QCommandLineOption TimeoutRequest::timeoutOption() {
     return QCommandLineOption(
         QStringList{QStringLiteral("timeout"), QStringLiteral("t")},

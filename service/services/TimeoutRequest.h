@@ -11,13 +11,6 @@ namespace EditorService {
 // A request around a request: another service's request and a limit on its silence, in whole
 // seconds. Copies share the wrapped request; a move leaves the source's `request` null.
 struct EDITORSERVICE_EXPORT TimeoutRequest : Request {
-    TimeoutRequest();
-    TimeoutRequest(const TimeoutRequest& other);
-    TimeoutRequest(TimeoutRequest&& other) noexcept;
-    TimeoutRequest& operator=(const TimeoutRequest& other);
-    TimeoutRequest& operator=(TimeoutRequest&& other) noexcept;
-    ~TimeoutRequest() override;
-
     // "--timeout"/"-t" with the value name "seconds" and the default text "-1".
     static QCommandLineOption timeoutOption();
 

@@ -10,12 +10,6 @@ TimeoutRequestSerializer::TimeoutRequestSerializer(
     std::unique_ptr<AbstractRequestSerializer>&& wrapped)
     : wrapped(std::move(wrapped)) {}
 
-TimeoutRequestSerializer::TimeoutRequestSerializer(TimeoutRequestSerializer&& other) noexcept
-    : DefaultRequestSerializer<TimeoutRequest>(other)
-    , wrapped(std::move(other.wrapped)) {}
-
-TimeoutRequestSerializer::~TimeoutRequestSerializer() = default;
-
 std::unique_ptr<Request> TimeoutRequestSerializer::loadFromCli(const QStringList& arguments) {
     std::unique_ptr<Request> wrappedRequest = wrapped->loadFromCli(arguments);
     std::unique_ptr<Request> request =

@@ -18,8 +18,8 @@ public:
     // Usable only for moving into: the wrapped serializer is null.
     TimeoutRequestSerializer();
     explicit TimeoutRequestSerializer(std::unique_ptr<AbstractRequestSerializer>&& wrapped);
-    TimeoutRequestSerializer(TimeoutRequestSerializer&& other) noexcept;
-    ~TimeoutRequestSerializer() override;
+    // Declared so that there is no assignment of either kind; the base part is copied.
+    TimeoutRequestSerializer(TimeoutRequestSerializer&& other) noexcept = default;
 
     std::unique_ptr<Request> loadFromCli(const QStringList& arguments) override;
     std::unique_ptr<Request> loadFromJson(const nlohmann::json& value) override;
