@@ -15,7 +15,7 @@ extern template class EDITORSERVICE_EXPORT DefaultRequestSerializer<TimeoutReque
 class EDITORSERVICE_EXPORT TimeoutRequestSerializer
     : public DefaultRequestSerializer<TimeoutRequest> {
 public:
-    // Usable only for moving into: the wrapped serializer is null.
+    // Wraps nothing: loading or saving through it dereferences the null wrapped serializer.
     TimeoutRequestSerializer();
     explicit TimeoutRequestSerializer(std::unique_ptr<AbstractRequestSerializer>&& wrapped);
     // Declared so that there is no assignment of either kind; the base part is copied.

@@ -439,9 +439,13 @@ TEST_F(ExporterTest, CancelGivesUpAReadOfAFifoThatNeverDelivers) {
     const std::string target = output("stalled-out.mp4");
     Exporter exporter(ExportSettings{fifo, target, preset("mp4"), {}});
     std::exception_ptr failure;
-    std::thread running([&] { failure = failureOf([&] { exporter.run({}); }); });
+    std::atomic<bool> ended{false};
+    std::thread running([&] {
+        failure = failureOf([&] { exporter.run({}); });
+        ended = true;
+    });
     // The temporary appears just before the input is opened.
-    while (!exists(exporter.temporaryPath()) && !failure)
+    while (!exists(exporter.temporaryPath()) && !ended)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     exporter.cancel();
     running.join();

@@ -1,5 +1,6 @@
 #include "service/services/LimitedResourceUseFor.h"
 
+#include "tests/support/DrainMainThread.h"
 #include "tests/support/EventLoop.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +8,7 @@
 #include <mutex>
 #include <thread>
 
-using EditorService::Testing::spinFor;
+using EditorService::Testing::drainMainThread;
 using EditorService::Testing::spinUntil;
 using Velmor::rx::LimitedResource;
 using json = nlohmann::json;
@@ -286,7 +287,7 @@ TEST(LimitedResourceUseForTest, RealLimiterRunsOneCommandAtATime) {
     commands.get_subscriber().on_next(2);
     commands.get_subscriber().on_completed();
     ASSERT_TRUE(spinUntil([starts] { return !starts->list().empty(); }));
-    spinFor(std::chrono::milliseconds(50));
+    drainMainThread();
     EXPECT_EQ(starts->list(), std::vector<int>{1});
     starts->streamOf(1).get_subscriber().on_completed();
     ASSERT_TRUE(spinUntil([starts] { return starts->list().size() == 2; }));
@@ -319,7 +320,7 @@ TEST(LimitedResourceUseForTest, UnsubscribingLetsGoOfTheLimiterWithAJobRunningAn
     EXPECT_FALSE(commands.has_observers());
     starts->streamOf(1).get_subscriber().on_next(json(1));
     starts->streamOf(1).get_subscriber().on_completed();
-    spinFor(std::chrono::milliseconds(50));
+    drainMainThread();
     EXPECT_TRUE(merged->received().empty());
     EXPECT_EQ(merged->endCount(), 0);
 }
