@@ -112,6 +112,18 @@ void addLive(const std::shared_ptr<ExportState>& state) {
     states.push_back(state);
 }
 
+// A parse dropped with the runtime is the export's own cancellation.
+std::exception_ptr exportFailure(const ExportRequest& request, std::exception_ptr error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const Media::ProbeCancelled&) {
+        return std::make_exception_ptr(
+            Export::ExportCancelled("Export cancelled: " + request.output.toStdString()));
+    } catch (...) {
+        return error;
+    }
+}
+
 std::string text(const QString& string) {
     return string.toStdString();
 }
@@ -295,20 +307,23 @@ rxcpp::observable<Json> exportOne(const ExportRequest& request, const ExportRunF
                        auto state = std::make_shared<ExportState>(request, exports, subscriber);
                        addLive(state);
                        subscriber.add([state] { state->cancel(); });
-                       files->parse(request.path, [state](const Velmor::AV::MediaInfo& info,
-                                                          std::exception_ptr error) {
-                           if (error) {
-                               state->subscriber.on_error(error);
-                               return;
-                           }
-                           if (state->isCancelled())
-                               return;
-                           try {
-                               queue(state, settingsFor(state->request, info));
-                           } catch (...) {
-                               state->subscriber.on_error(std::current_exception());
-                           }
-                       });
+                       files->parse(
+                           request.path,
+                           [state](const Velmor::AV::MediaInfo& info, std::exception_ptr error) {
+                               // A cancel ended the stream already.
+                               if (state->isCancelled())
+                                   return;
+                               if (error) {
+                                   state->subscriber.on_error(exportFailure(state->request, error));
+                                   return;
+                               }
+                               try {
+                                   queue(state, settingsFor(state->request, info));
+                               } catch (...) {
+                                   state->subscriber.on_error(std::current_exception());
+                               }
+                           },
+                           [state] { return !state->isCancelled(); });
                    } catch (...) {
                        subscriber.on_error(std::current_exception());
                    }

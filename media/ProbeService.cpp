@@ -46,15 +46,18 @@ rxcpp::observable<nlohmann::json> probe(const QString& path) {
                        auto* files = Media::FileController::instance();
                        if (!files)
                            throw std::logic_error("The media context has no file controller");
-                       files->parse(path, [subscriber, path](const Velmor::AV::MediaInfo& info,
-                                                             std::exception_ptr error) {
-                           if (error) {
-                               subscriber.on_error(error);
-                               return;
-                           }
-                           subscriber.on_next(describe(path, info));
-                           subscriber.on_completed();
-                       });
+                       files->parse(
+                           path,
+                           [subscriber, path](const Velmor::AV::MediaInfo& info,
+                                              std::exception_ptr error) {
+                               if (error) {
+                                   subscriber.on_error(error);
+                                   return;
+                               }
+                               subscriber.on_next(describe(path, info));
+                               subscriber.on_completed();
+                           },
+                           [subscriber] { return subscriber.is_subscribed(); });
                    } catch (...) {
                        subscriber.on_error(std::current_exception());
                    }

@@ -13,7 +13,9 @@ namespace EditorService {
 // "pixel_format", audio streams "sample_rate" and "channels". The media context is started on
 // the subscribing thread; the value comes on the file controller's thread. A file that can't
 // be read ends the stream with Velmor::AV::MediaError, a disabled "DecodersFF" plug-in with
-// Velmor::Core::PluginError.
+// Velmor::Core::PluginError, and the runtime's end while the probe waits with
+// Media::ProbeCancelled "Probe cancelled: <path>" on the thread that ends it. A probe whose
+// subscriber has left by its turn is not parsed.
 class ProbeService : public DefaultServiceImpl<ProbeRequest> {
 public:
     // "probe".

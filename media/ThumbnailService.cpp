@@ -40,16 +40,18 @@ rxcpp::observable<nlohmann::json> thumbnail(const ThumbnailRequest& request) {
                        auto* thumbnails = Thumbnail::Controller::instance();
                        if (!thumbnails)
                            throw std::logic_error("The render context has no thumbnail controller");
-                       thumbnails->extract(toTask(request),
-                                           [subscriber, request](const Thumbnail::Result& result,
-                                                                 std::exception_ptr error) {
-                                               if (error) {
-                                                   subscriber.on_error(error);
-                                                   return;
-                                               }
-                                               subscriber.on_next(describe(request, result));
-                                               subscriber.on_completed();
-                                           });
+                       thumbnails->extract(
+                           toTask(request),
+                           [subscriber, request](const Thumbnail::Result& result,
+                                                 std::exception_ptr error) {
+                               if (error) {
+                                   subscriber.on_error(error);
+                                   return;
+                               }
+                               subscriber.on_next(describe(request, result));
+                               subscriber.on_completed();
+                           },
+                           [subscriber] { return subscriber.is_subscribed(); });
                    } catch (...) {
                        subscriber.on_error(std::current_exception());
                    }

@@ -13,7 +13,10 @@ namespace EditorService {
 // is started on the subscribing thread; the value comes on the task controller's thread.
 // Failures end the stream with their exception: Velmor::AV::MediaError for a file that can't
 // be read, has no video stream, or ends before the time, or an output that can't be written;
-// Velmor::Core::PluginError for a disabled "DecodersFF" or "EncodersFF" plug-in.
+// Velmor::Core::PluginError for a disabled "DecodersFF" or "EncodersFF" plug-in;
+// Thumbnail::ThumbnailCancelled "Thumbnail cancelled: <output>" when the runtime ends while
+// the thumbnail waits, on the thread that ends it. A thumbnail whose subscriber has left (or
+// whose time limit expired) by its turn is neither read nor written.
 class ThumbnailService : public DefaultServiceImpl<ThumbnailRequest> {
 public:
     // "thumbnail".

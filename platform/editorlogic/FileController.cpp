@@ -41,18 +41,29 @@ void FileController::submit(std::function<void()> work) {
     jobs->submit(std::move(work));
 }
 
-void FileController::parse(const QString& path, Parsed done) {
+void FileController::parse(const QString& path, Parsed done, Wanted wanted) {
     ICreatorFileParser* creator = parserCreator;
-    jobs->submit([creator, path, done = std::move(done)] {
-        Velmor::AV::MediaInfo info;
-        try {
-            info = creator->createFileParser(path, {})->info();
-        } catch (...) {
-            done({}, std::current_exception());
-            return;
-        }
-        done(info, nullptr);
-    });
+    auto cancel = [path, done] {
+        auto error =
+            std::make_exception_ptr(ProbeCancelled("Probe cancelled: " + path.toStdString()));
+        done({}, std::move(error));
+    };
+    jobs->submit(
+        [creator, path, done, wanted = std::move(wanted), cancel] {
+            if (wanted && !wanted()) {
+                cancel();
+                return;
+            }
+            Velmor::AV::MediaInfo info;
+            try {
+                info = creator->createFileParser(path, {})->info();
+            } catch (...) {
+                done({}, std::current_exception());
+                return;
+            }
+            done(info, nullptr);
+        },
+        cancel);
 }
 
 } // namespace Media

@@ -7,6 +7,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 
 namespace Task {
 class JobThread;
@@ -16,9 +17,17 @@ namespace Media {
 
 class ICreatorFileParser;
 
+// The failure a parse ends with when it never runs, because the controller went first or
+// nobody wanted the file's description any more: "Probe cancelled: <path>".
+class ProbeCancelled : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
 // Opens and parses media files on a thread of its own. isBusy is emitted on that thread when
 // work starts after a rest, isIdle there when the queue has run dry. The parser creator is
-// borrowed and must outlive the controller.
+// borrowed and must outlive the controller. The destructor waits for the running parse and
+// ends each queued one with ProbeCancelled, on the destroying thread.
 class FileController : public QObject {
     Q_OBJECT
 public:
@@ -33,9 +42,15 @@ public:
     // What parsing a file gives: its description, or the failure that stopped it.
     using Parsed = std::function<void(const Velmor::AV::MediaInfo& info, std::exception_ptr error)>;
 
+    // Whether the description is still wanted; asked on the controller's thread just before
+    // the parse.
+    using Wanted = std::function<bool()>;
+
     // Opens and parses the file on the controller's thread and hands the description, or the
-    // failure with an empty description, to done there.
-    void parse(const QString& path, Parsed done);
+    // failure with an empty description, to done there. done is called exactly once: with
+    // ProbeCancelled when the controller is destroyed before the parse ran (then on the
+    // destroying thread), or when wanted says no (then no file is opened).
+    void parse(const QString& path, Parsed done, Wanted wanted = nullptr);
 
 signals:
     void isBusy();

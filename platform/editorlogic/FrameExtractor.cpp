@@ -32,17 +32,24 @@ FrameExtractor::~FrameExtractor() {
 void FrameExtractor::addProvider(const std::shared_ptr<TaskProvider>& provider) {
     if (!provider)
         return;
+    std::lock_guard<std::mutex> lock(providersMutex);
     if (std::find(providers.begin(), providers.end(), provider) != providers.end())
         return;
     providers.push_back(provider);
 }
 
 void FrameExtractor::removeProvider(const std::shared_ptr<TaskProvider>& provider) {
+    std::lock_guard<std::mutex> lock(providersMutex);
     providers.erase(std::remove(providers.begin(), providers.end(), provider), providers.end());
 }
 
 void FrameExtractor::process() {
-    const auto snapshot = providers;
+    std::vector<std::shared_ptr<TaskProvider>> snapshot;
+    {
+        // Copied, so that the tasks run unlocked and may add or remove providers themselves.
+        std::lock_guard<std::mutex> lock(providersMutex);
+        snapshot = providers;
+    }
     for (const auto& provider : snapshot) {
         while (auto task = provider->takeTask())
             task();

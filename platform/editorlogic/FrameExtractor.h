@@ -2,6 +2,7 @@
 
 #include "platform/editorlogic/ThumbnailExtractor.h"
 
+#include <mutex>
 #include <vector>
 
 namespace Thumbnail {
@@ -10,6 +11,8 @@ namespace Thumbnail {
 // provider by provider in the order they were added. extract() decodes the frame from the
 // process's stream provider, so that thumbnails of one file share its cached stream, resizes
 // it by the request's mode and writes it as PNG through the engine's "EncodersFF" plug-in.
+// Providers may be added and removed from any thread while process() runs on another: process()
+// asks the providers there were when it began.
 class FrameExtractor : public Extractor {
 public:
     FrameExtractor();
@@ -24,6 +27,7 @@ public:
     Result extract(const Request& request) override;
 
 private:
+    std::mutex providersMutex;
     std::vector<std::shared_ptr<TaskProvider>> providers;
 };
 

@@ -9,11 +9,16 @@ namespace Task {
 
 class JobThread::Private {
 public:
+    struct Job {
+        std::function<void()> run;
+        std::function<void()> dropped;
+    };
+
     std::function<void()> onBusy;
     std::function<void()> onIdle;
     std::mutex mutex;
     std::condition_variable wake;
-    std::deque<std::function<void()>> jobs;
+    std::deque<Job> jobs;
     bool stopping = false;
     std::thread thread;
 
@@ -27,7 +32,7 @@ public:
             onBusy();
             lock.lock();
             while (!jobs.empty() && !stopping) {
-                auto job = std::move(jobs.front());
+                auto job = std::move(jobs.front().run);
                 jobs.pop_front();
                 lock.unlock();
                 runOne(job);
@@ -56,20 +61,33 @@ JobThread::JobThread(std::function<void()> onBusy, std::function<void()> onIdle)
 }
 
 JobThread::~JobThread() {
+    std::deque<Private::Job> released;
     {
         std::lock_guard<std::mutex> lock(d->mutex);
         d->stopping = true;
-        d->jobs.clear();
+        released.swap(d->jobs);
     }
     d->wake.notify_all();
+    // What a queued job holds goes before the wait: the running job may be waiting for it.
+    for (auto& job : released)
+        job.run = nullptr;
     if (d->thread.joinable())
         d->thread.join();
+    // Told only now, so that a dropped job's news never overtakes the running job's.
+    for (const auto& job : released) {
+        if (job.dropped)
+            Private::runOne(job.dropped);
+    }
 }
 
 void JobThread::submit(std::function<void()> job) {
+    submit(std::move(job), nullptr);
+}
+
+void JobThread::submit(std::function<void()> job, std::function<void()> dropped) {
     {
         std::lock_guard<std::mutex> lock(d->mutex);
-        d->jobs.push_back(std::move(job));
+        d->jobs.push_back({std::move(job), std::move(dropped)});
         if (!d->thread.joinable())
             d->thread = std::thread(&Private::run, d.get());
     }

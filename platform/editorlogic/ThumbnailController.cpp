@@ -31,6 +31,7 @@ Controller::~Controller() {
     s_instance.compare_exchange_strong(self, nullptr);
     if (sharedExtractor)
         sharedExtractor->removeProvider(tasks);
+    tasks->close();
     Velmor::Testing::CallLog::record("Thumbnail::Controller::~Controller");
 }
 
@@ -42,12 +43,21 @@ const std::shared_ptr<Extractor>& Controller::extractor() const {
     return sharedExtractor;
 }
 
-void Controller::extract(const Request& request, Done done) {
+void Controller::extract(const Request& request, Done done, Wanted wanted) {
     auto* taskController = Task::Controller::instance();
     if (!taskController)
         throw std::logic_error("Can not extract a thumbnail: no task controller runs");
     std::weak_ptr<Extractor> weakExtractor = sharedExtractor;
-    tasks->push([weakExtractor, request, done = std::move(done)] {
+    auto cancel = [output = request.output, done] {
+        auto error = std::make_exception_ptr(
+            ThumbnailCancelled("Thumbnail cancelled: " + output.toStdString()));
+        done({}, std::move(error));
+    };
+    auto task = [weakExtractor, request, done, wanted = std::move(wanted), cancel] {
+        if (wanted && !wanted()) {
+            cancel();
+            return;
+        }
         Result result;
         try {
             const auto alive = weakExtractor.lock();
@@ -59,7 +69,8 @@ void Controller::extract(const Request& request, Done done) {
             return;
         }
         done(result, nullptr);
-    });
+    };
+    tasks->push(std::move(task), std::move(cancel));
     // The task runs inside process(), which takes every queued task of every provider.
     std::shared_ptr<Extractor> owner = sharedExtractor;
     taskController->submit([owner] { owner->process(); });

@@ -1,7 +1,9 @@
 #include "media/ExportService.h"
 
 #include "platform/av/MediaError.h"
+#include "platform/editorlogic/FileController.h"
 #include "platform/engine/PluginError.h"
+#include "platform/export/Exporter.h"
 #include "platform/package/PackageDirectory.h"
 #include "service/api/Error.h"
 #include "service/contexts/GlobalContextProvider.h"
@@ -15,7 +17,10 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstdio>
+#include <functional>
+#include <future>
 #include <gtest/gtest.h>
+#include <memory>
 #include <optional>
 #include <thread>
 
@@ -143,6 +148,12 @@ EditorService::ExportRunFactory standIn(const std::shared_ptr<Pipeline>& pipelin
         return std::make_unique<StandInExport>(pipeline, settings);
     };
 }
+
+// Calls `release` when the last copy of the job holding it goes.
+struct Releaser {
+    std::function<void()> release;
+    ~Releaser() { release(); }
+};
 
 } // namespace
 
@@ -374,6 +385,34 @@ TEST_F(ExportServiceTest, AnInputThatCanNotBeReadFailsAndExportsNothing) {
     EXPECT_THAT(collected->error, FailedWith<Velmor::AV::MediaError>(
                                       "Can not open media file: " + mediaFixture("notmedia.txt")
                                       + ": Invalid data found when processing input"));
+    EXPECT_EQ(pipeline->made, 0);
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(ExportServiceTest, AnExportWaitingForItsInputWhenTheRuntimeGoesEndsCancelled) {
+    startRuntime();
+    provider->require(GlobalContextProvider::Media);
+    auto* parses = Media::FileController::instance();
+    ASSERT_TRUE(parses);
+    std::promise<void> started;
+    std::promise<void> release;
+    auto released = release.get_future().share();
+    parses->submit([&started, released] {
+        started.set_value();
+        released.wait();
+    });
+    ASSERT_EQ(started.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    ExportService service(standIn(pipeline));
+    const auto collected = collect(service.run(exportOf("h264_aac.mp4", "out.mp4")));
+    // Queued behind the export's parse: the runtime's end lets go of it, and so of the hold.
+    auto releaser = std::make_shared<Releaser>();
+    releaser->release = [&release] { release.set_value(); };
+    parses->submit([releaser] {});
+    releaser.reset();
+    provider.reset();
+    ASSERT_TRUE(spinUntil([&] { return collected->ended(); }));
+    EXPECT_THAT(collected->error, FailedWith<Export::ExportCancelled>(
+                                      "Export cancelled: " + output("out.mp4").toStdString()));
     EXPECT_EQ(pipeline->made, 0);
     EXPECT_TRUE(files().isEmpty());
 }

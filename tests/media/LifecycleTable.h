@@ -7,7 +7,6 @@
 #include <memory>
 #include <mutex>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <ostream>
 #include <rxcpp/rx.hpp>
 #include <string>
@@ -82,17 +81,6 @@ inline std::vector<RequestsRow> rowsWhereFirst(const std::function<bool(Event)>&
         }
     }
     return rows;
-}
-
-// The event that ends the stream of queued requests: the first, but the runtime going away
-// ends nothing (the tables say why), so then a time limit that expires after it ends the
-// stream, or nothing does.
-inline std::optional<Event> endingEvent(const RequestsRow& row) {
-    if (row.first != Event::RuntimeGone)
-        return row.first;
-    if (row.second == Event::Expire)
-        return Event::Expire;
-    return std::nullopt;
 }
 
 // What the subscriber saw, from whichever thread delivered it.

@@ -10,9 +10,11 @@
 
 #include <QFile>
 #include <QTemporaryDir>
+#include <functional>
 #include <future>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
@@ -24,6 +26,12 @@ using Velmor::Testing::Probe;
 namespace {
 
 constexpr auto generously = std::chrono::seconds(60);
+
+// Calls `release` when the last copy of the job holding it goes.
+struct Releaser {
+    std::function<void()> release;
+    ~Releaser() { release(); }
+};
 
 } // namespace
 
@@ -84,7 +92,7 @@ TEST_F(FileControllerTest, AFileThatCanNotBeParsedGivesTheFailureAndNoDescriptio
     std::promise<std::pair<std::string, std::exception_ptr>> parsed;
     Media::FileController controller(&parsers);
     controller.parse(path, [&](const Velmor::AV::MediaInfo& info, std::exception_ptr error) {
-        parsed.set_value({info.format, error});
+        parsed.set_value({info.format, std::move(error)});
     });
     auto result = parsed.get_future();
     ASSERT_EQ(result.wait_for(generously), std::future_status::ready);
@@ -124,4 +132,73 @@ TEST_F(FileControllerTest, AnInjectedFailureLeavesTheConstructor) {
     Probe::failNext("Media::FileController::FileController");
     EXPECT_THROW(Media::FileController controller(&parsers), std::runtime_error);
     EXPECT_TRUE(CallLog::entries().empty());
+}
+
+TEST_F(FileControllerTest,
+       AParseStillQueuedWhenTheControllerGoesEndsCancelledOnTheDestroyingThread) {
+    std::promise<void> started;
+    std::promise<void> release;
+    auto released = release.get_future().share();
+    std::vector<std::exception_ptr> failures;
+    std::thread::id calledOn;
+    {
+        Media::FileController controller(&parsers);
+        controller.submit([&started, released] {
+            started.set_value();
+            released.wait();
+        });
+        controller.parse(QStringLiteral("/nonexistent/queued.mp4"),
+                         [&](const Velmor::AV::MediaInfo& info, std::exception_ptr error) {
+                             EXPECT_TRUE(info.format.empty());
+                             failures.push_back(error);
+                             calledOn = std::this_thread::get_id();
+                         });
+        // Queued behind the parse: the controller's end lets go of it, and so of the hold.
+        auto releaser = std::make_shared<Releaser>();
+        releaser->release = [&release] { release.set_value(); };
+        controller.submit([releaser] {});
+        releaser.reset();
+        ASSERT_EQ(started.get_future().wait_for(generously), std::future_status::ready);
+    }
+    ASSERT_EQ(failures.size(), 1u);
+    EXPECT_THAT(failures.front(),
+                FailedWith<Media::ProbeCancelled>("Probe cancelled: /nonexistent/queued.mp4"));
+    EXPECT_EQ(calledOn, std::this_thread::get_id());
+}
+
+TEST_F(FileControllerTest, AParseNoLongerWantedOpensNothingAndEndsCancelled) {
+    const EditorService::Testing::RunningEngine engine;
+    // Opened, this file would fail with its own reason.
+    const QString path =
+        QString::fromStdString(EditorService::Testing::mediaFixture("notmedia.txt"));
+    std::promise<std::exception_ptr> parsed;
+    Media::FileController controller(&parsers);
+    controller.parse(
+        path,
+        // Moved, so that the failure is freed on this thread: ThreadSanitizer does not see
+        // libstdc++'s own count of its references.
+        [&](const Velmor::AV::MediaInfo&, std::exception_ptr error) {
+            parsed.set_value(std::move(error));
+        },
+        [] { return false; });
+    auto result = parsed.get_future();
+    ASSERT_EQ(result.wait_for(generously), std::future_status::ready);
+    EXPECT_THAT(result.get(),
+                FailedWith<Media::ProbeCancelled>("Probe cancelled: " + path.toStdString()));
+}
+
+TEST_F(FileControllerTest, AParseStillWantedRuns) {
+    const EditorService::Testing::RunningEngine engine;
+    const QString path = QString::fromStdString(EditorService::Testing::mediaFixture("clip.mov"));
+    std::promise<std::string> parsed;
+    Media::FileController controller(&parsers);
+    controller.parse(
+        path,
+        [&](const Velmor::AV::MediaInfo& info, std::exception_ptr error) {
+            parsed.set_value(error ? "failed" : info.format);
+        },
+        [] { return true; });
+    auto result = parsed.get_future();
+    ASSERT_EQ(result.wait_for(generously), std::future_status::ready);
+    EXPECT_EQ(result.get(), "mov,mp4,m4a,3gp,3g2,mj2");
 }

@@ -6,6 +6,7 @@
 #include "platform/editorlogic/ExecutorFactory.h"
 #include "platform/editorlogic/StreamProcessorFactory.h"
 #include "platform/editorlogic/StreamProvider.h"
+#include "platform/editorlogic/TaskQueue.h"
 #include "platform/editorlogic/ThumbnailTaskProvider.h"
 #include "platform/engine/PluginError.h"
 #include "platform/foundation/CallLog.h"
@@ -16,9 +17,11 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <atomic>
 #include <deque>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <thread>
 #include <type_traits>
 
 extern "C" {
@@ -76,6 +79,33 @@ TEST(FrameExtractorTest, ARemovedProviderIsNotAsked) {
     extractor.process();
     EXPECT_TRUE(done.empty());
     EXPECT_EQ(provider->tasks.size(), 1u);
+}
+
+// Meant for ThreadSanitizer too: the provider list is read by one thread while another
+// changes it.
+TEST(FrameExtractorTest, ProvidersMayComeAndGoOnOneThreadWhileAnotherProcesses) {
+    constexpr int rounds = 2000;
+    Thumbnail::FrameExtractor extractor;
+    auto staying = std::make_shared<Thumbnail::TaskQueue>();
+    extractor.addProvider(staying);
+    std::atomic<int> ran{0};
+    std::thread changer([&] {
+        for (int i = 0; i < rounds; ++i) {
+            auto passing = std::make_shared<Thumbnail::TaskQueue>();
+            passing->push([&ran] { ++ran; });
+            extractor.addProvider(passing);
+            staying->push([&ran] { ++ran; });
+            extractor.removeProvider(passing);
+        }
+    });
+    for (int i = 0; i < rounds; ++i)
+        extractor.process();
+    changer.join();
+    extractor.process();
+    // Every task of the provider that stayed ran; a passing one ran if process() met it.
+    EXPECT_GE(ran.load(), rounds);
+    EXPECT_LE(ran.load(), 2 * rounds);
+    EXPECT_FALSE(staying->takeTask());
 }
 
 TEST(FrameExtractorTest, ConstructionAndDestructionAreRecorded) {

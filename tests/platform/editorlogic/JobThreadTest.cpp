@@ -123,3 +123,73 @@ TEST(JobThreadTest, StartsNoThreadBeforeTheFirstJob) {
     }
     EXPECT_FALSE(called);
 }
+
+namespace {
+
+// Calls `release` when the last copy of the job holding it goes: a job queued behind a hold
+// lets the hold end when it is released unrun.
+struct Releaser {
+    std::function<void()> release;
+    ~Releaser() { release(); }
+};
+
+} // namespace
+
+TEST(JobThreadTest, QueuedJobsAreToldTheyWereDroppedInOrderOnceTheRunningJobEnded) {
+    Journal journal;
+    std::promise<void> started;
+    std::promise<void> release;
+    auto released = release.get_future().share();
+    {
+        JobThread jobs([&] { journal.add("busy"); }, [&] { journal.add("idle"); });
+        jobs.submit([&, released] {
+            started.set_value();
+            released.wait();
+            journal.add("running");
+        });
+        jobs.submit([&] { journal.add("a"); }, [&] { journal.add("a dropped"); });
+        jobs.submit([&] { journal.add("b"); });
+        auto releaser = std::make_shared<Releaser>();
+        releaser->release = [&release] { release.set_value(); };
+        jobs.submit([&, releaser] { journal.add("c"); }, [&] { journal.add("c dropped"); });
+        releaser.reset();
+        ASSERT_EQ(started.get_future().wait_for(generously), std::future_status::ready);
+    }
+    const std::vector<std::string> expected{"busy", "running", "a dropped", "c dropped"};
+    EXPECT_EQ(journal.snapshot(), expected);
+    std::lock_guard<std::mutex> lock(journal.mutex);
+    EXPECT_EQ(journal.threads[2], std::this_thread::get_id());
+    EXPECT_EQ(journal.threads[3], std::this_thread::get_id());
+}
+
+TEST(JobThreadTest, AJobThatRanIsNeverToldItWasDropped) {
+    Journal journal;
+    std::promise<void> idle;
+    {
+        JobThread jobs([] {}, [&] { idle.set_value(); });
+        jobs.submit([&] { journal.add("ran"); }, [&] { journal.add("dropped"); });
+        ASSERT_EQ(idle.get_future().wait_for(generously), std::future_status::ready);
+    }
+    EXPECT_EQ(journal.snapshot(), std::vector<std::string>{"ran"});
+}
+
+TEST(JobThreadTest, ADroppedThatThrowsEndsAlone) {
+    Journal journal;
+    std::promise<void> started;
+    std::promise<void> release;
+    auto released = release.get_future().share();
+    {
+        JobThread jobs([] {}, [] {});
+        jobs.submit([&, released] {
+            started.set_value();
+            released.wait();
+        });
+        jobs.submit([] {}, [] { throw std::runtime_error("broken"); });
+        auto releaser = std::make_shared<Releaser>();
+        releaser->release = [&release] { release.set_value(); };
+        jobs.submit([releaser] {}, [&] { journal.add("told"); });
+        releaser.reset();
+        ASSERT_EQ(started.get_future().wait_for(generously), std::future_status::ready);
+    }
+    EXPECT_EQ(journal.snapshot(), std::vector<std::string>{"told"});
+}

@@ -18,6 +18,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <thread>
+#include <vector>
 
 using EditorService::Testing::FailedWith;
 using Velmor::Testing::CallLog;
@@ -83,7 +84,7 @@ TEST(ThumbnailControllerTest, AFailureReachesDoneInsteadOfAResult) {
     request.output = QStringLiteral("/nonexistent/t.png");
     std::promise<std::exception_ptr> failed;
     controller.extract(request, [&](const Thumbnail::Result&, std::exception_ptr error) {
-        failed.set_value(error);
+        failed.set_value(std::move(error));
     });
     auto failure = failed.get_future();
     ASSERT_EQ(failure.wait_for(std::chrono::seconds(60)), std::future_status::ready);
@@ -106,4 +107,68 @@ TEST(ThumbnailControllerTest, InstanceIsTheLastControllerStillAlive) {
         EXPECT_EQ(Thumbnail::Controller::instance(), &controller);
     }
     EXPECT_EQ(Thumbnail::Controller::instance(), nullptr);
+}
+
+TEST(ThumbnailControllerTest, AnExtractionStillQueuedWhenTheControllerGoesEndsCancelledUnwritten) {
+    Task::Controller tasks;
+    std::promise<void> idle;
+    QObject::connect(
+        &tasks, &Task::Controller::isIdle, &tasks, [&] { idle.set_value(); }, Qt::DirectConnection);
+    std::promise<void> started;
+    std::promise<void> release;
+    auto released = release.get_future().share();
+    tasks.submit([&started, released] {
+        started.set_value();
+        released.wait();
+    });
+    ASSERT_EQ(started.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    QTemporaryDir directory;
+    Thumbnail::Request request;
+    request.path = QString::fromStdString(EditorService::Testing::mediaFixture("clip.webm"));
+    request.output = directory.filePath("t.png");
+    std::vector<std::exception_ptr> failures;
+    std::thread::id calledOn;
+    {
+        Thumbnail::Controller controller(std::make_shared<Thumbnail::FrameExtractor>());
+        controller.extract(request, [&](const Thumbnail::Result&, std::exception_ptr error) {
+            failures.push_back(error);
+            calledOn = std::this_thread::get_id();
+        });
+    }
+    ASSERT_EQ(failures.size(), 1u);
+    EXPECT_THAT(failures.front(), FailedWith<Thumbnail::ThumbnailCancelled>(
+                                      "Thumbnail cancelled: " + request.output.toStdString()));
+    EXPECT_EQ(calledOn, std::this_thread::get_id());
+    // The extraction's turn comes after the controller went: it finds nothing to do.
+    release.set_value();
+    ASSERT_EQ(idle.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    EXPECT_EQ(failures.size(), 1u);
+    EXPECT_FALSE(QFile::exists(request.output));
+}
+
+TEST(ThumbnailControllerTest, AnExtractionNoLongerWantedWritesNothingAndEndsCancelled) {
+    const EditorService::Testing::RunningEngine engine;
+    Core::ExecutorFactory executors;
+    Core::StreamProcessorFactory processors;
+    Media::StreamProvider streams(&executors, &executors, &processors, &processors, 5000);
+    Task::Controller tasks;
+    QTemporaryDir directory;
+    Thumbnail::Controller controller(std::make_shared<Thumbnail::FrameExtractor>());
+    Thumbnail::Request request;
+    request.path = QString::fromStdString(EditorService::Testing::mediaFixture("clip.webm"));
+    request.output = directory.filePath("t.png");
+    std::promise<std::exception_ptr> failed;
+    controller.extract(
+        request,
+        // Moved, so that the failure is freed on this thread: ThreadSanitizer does not see
+        // libstdc++'s own count of its references.
+        [&](const Thumbnail::Result&, std::exception_ptr error) {
+            failed.set_value(std::move(error));
+        },
+        [] { return false; });
+    auto failure = failed.get_future();
+    ASSERT_EQ(failure.wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    EXPECT_THAT(failure.get(), FailedWith<Thumbnail::ThumbnailCancelled>(
+                                   "Thumbnail cancelled: " + request.output.toStdString()));
+    EXPECT_FALSE(QFile::exists(request.output));
 }
