@@ -1,5 +1,7 @@
 #include "platform/editorlogic/JobPool.h"
 
+#include "tests/support/Journal.h"
+
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -9,25 +11,12 @@
 #include <stdexcept>
 #include <thread>
 
+using EditorService::Testing::Journal;
 using Task::JobPool;
 
 namespace {
 
 constexpr auto generously = std::chrono::seconds(60);
-
-struct Journal {
-    std::mutex mutex;
-    std::vector<std::string> events;
-
-    void add(const std::string& event) {
-        std::lock_guard<std::mutex> lock(mutex);
-        events.push_back(event);
-    }
-    std::vector<std::string> snapshot() {
-        std::lock_guard<std::mutex> lock(mutex);
-        return events;
-    }
-};
 
 } // namespace
 

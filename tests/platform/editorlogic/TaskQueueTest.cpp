@@ -1,5 +1,7 @@
 #include "platform/editorlogic/TaskQueue.h"
 
+#include "tests/support/Journal.h"
+
 #include <chrono>
 #include <functional>
 #include <future>
@@ -11,24 +13,11 @@
 #include <thread>
 #include <vector>
 
+using EditorService::Testing::Journal;
+
 namespace {
 
 constexpr auto generously = std::chrono::seconds(60);
-
-// What happened, in order, from any thread.
-struct Journal {
-    std::mutex mutex;
-    std::vector<std::string> events;
-
-    void add(const std::string& event) {
-        std::lock_guard<std::mutex> lock(mutex);
-        events.push_back(event);
-    }
-    std::vector<std::string> snapshot() {
-        std::lock_guard<std::mutex> lock(mutex);
-        return events;
-    }
-};
 
 // Calls `release` when the last copy of the task holding it goes.
 struct Releaser {

@@ -23,6 +23,19 @@
 using EditorService::Testing::FailedWith;
 using Velmor::Testing::CallLog;
 
+namespace {
+
+// The engine and the controllers a thumbnail controller's extractions run on.
+struct Controllers {
+    const EditorService::Testing::RunningEngine engine;
+    Core::ExecutorFactory executors;
+    Core::StreamProcessorFactory processors;
+    Media::StreamProvider streams{&executors, &executors, &processors, &processors, 5000};
+    Task::Controller tasks;
+};
+
+} // namespace
+
 TEST(ThumbnailControllerTest, SharesItsExtractorAndReleasesItWhenDestroyed) {
     CallLog::clear();
     std::weak_ptr<Thumbnail::Extractor> watched;
@@ -39,11 +52,8 @@ TEST(ThumbnailControllerTest, SharesItsExtractorAndReleasesItWhenDestroyed) {
 }
 
 TEST(ThumbnailControllerTest, ExtractionRunsAsATaskOfTheTaskController) {
-    const EditorService::Testing::RunningEngine engine;
-    Core::ExecutorFactory executors;
-    Core::StreamProcessorFactory processors;
-    Media::StreamProvider streams(&executors, &executors, &processors, &processors, 5000);
-    Task::Controller tasks;
+    Controllers controllers;
+    Task::Controller& tasks = controllers.tasks;
     std::promise<void> idle;
     std::atomic<int> busy{0};
     QObject::connect(
@@ -73,11 +83,7 @@ TEST(ThumbnailControllerTest, ExtractionRunsAsATaskOfTheTaskController) {
 }
 
 TEST(ThumbnailControllerTest, AFailureReachesDoneInsteadOfAResult) {
-    const EditorService::Testing::RunningEngine engine;
-    Core::ExecutorFactory executors;
-    Core::StreamProcessorFactory processors;
-    Media::StreamProvider streams(&executors, &executors, &processors, &processors, 5000);
-    Task::Controller tasks;
+    Controllers controllers;
     Thumbnail::Controller controller(std::make_shared<Thumbnail::FrameExtractor>());
     Thumbnail::Request request;
     request.path = QStringLiteral("/nonexistent/a.mp4");
@@ -147,11 +153,7 @@ TEST(ThumbnailControllerTest, AnExtractionStillQueuedWhenTheControllerGoesEndsCa
 }
 
 TEST(ThumbnailControllerTest, AnExtractionNoLongerWantedWritesNothingAndEndsCancelled) {
-    const EditorService::Testing::RunningEngine engine;
-    Core::ExecutorFactory executors;
-    Core::StreamProcessorFactory processors;
-    Media::StreamProvider streams(&executors, &executors, &processors, &processors, 5000);
-    Task::Controller tasks;
+    Controllers controllers;
     QTemporaryDir directory;
     Thumbnail::Controller controller(std::make_shared<Thumbnail::FrameExtractor>());
     Thumbnail::Request request;
