@@ -10,6 +10,7 @@
 #include "tests/support/Collect.h"
 #include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
+#include "tests/support/Releaser.h"
 
 #include <QDir>
 #include <QFile>
@@ -37,6 +38,8 @@ using EditorService::Testing::failureText;
 using EditorService::Testing::mediaFixture;
 using EditorService::Testing::spinUntil;
 using namespace std::chrono_literals;
+
+using EditorService::Testing::Releaser;
 
 namespace {
 
@@ -148,12 +151,6 @@ EditorService::ExportRunFactory standIn(const std::shared_ptr<Pipeline>& pipelin
         return std::make_unique<StandInExport>(pipeline, settings);
     };
 }
-
-// Calls `release` when the last copy of the job holding it goes.
-struct Releaser {
-    std::function<void()> release;
-    ~Releaser() { release(); }
-};
 
 } // namespace
 

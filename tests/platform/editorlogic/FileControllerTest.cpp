@@ -7,6 +7,7 @@
 #include "tests/platform/editorlogic/RunningEngine.h"
 #include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
+#include "tests/support/Releaser.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -23,15 +24,11 @@ using EditorService::Testing::FailedWith;
 using Velmor::Testing::CallLog;
 using Velmor::Testing::Probe;
 
+using EditorService::Testing::Releaser;
+
 namespace {
 
 constexpr auto generously = std::chrono::seconds(60);
-
-// Calls `release` when the last copy of the job holding it goes.
-struct Releaser {
-    std::function<void()> release;
-    ~Releaser() { release(); }
-};
 
 } // namespace
 

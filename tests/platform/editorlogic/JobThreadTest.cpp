@@ -1,4 +1,5 @@
 #include "platform/editorlogic/JobThread.h"
+#include "tests/support/Releaser.h"
 
 #include <QString>
 #include <chrono>
@@ -8,6 +9,7 @@
 #include <stdexcept>
 #include <thread>
 
+using EditorService::Testing::Releaser;
 using Task::JobThread;
 
 namespace {
@@ -123,17 +125,6 @@ TEST(JobThreadTest, StartsNoThreadBeforeTheFirstJob) {
     }
     EXPECT_FALSE(called);
 }
-
-namespace {
-
-// Calls `release` when the last copy of the job holding it goes: a job queued behind a hold
-// lets the hold end when it is released unrun.
-struct Releaser {
-    std::function<void()> release;
-    ~Releaser() { release(); }
-};
-
-} // namespace
 
 TEST(JobThreadTest, QueuedJobsAreToldTheyWereDroppedInOrderOnceTheRunningJobEnded) {
     Journal journal;

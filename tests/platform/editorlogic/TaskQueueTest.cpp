@@ -1,6 +1,7 @@
 #include "platform/editorlogic/TaskQueue.h"
 
 #include "tests/support/Journal.h"
+#include "tests/support/Releaser.h"
 
 #include <chrono>
 #include <functional>
@@ -15,15 +16,11 @@
 
 using EditorService::Testing::Journal;
 
+using EditorService::Testing::Releaser;
+
 namespace {
 
 constexpr auto generously = std::chrono::seconds(60);
-
-// Calls `release` when the last copy of the task holding it goes.
-struct Releaser {
-    std::function<void()> release;
-    ~Releaser() { release(); }
-};
 
 } // namespace
 
