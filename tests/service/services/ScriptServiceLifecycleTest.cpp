@@ -262,7 +262,10 @@ TEST_P(ScriptServiceLifecycleTest, FirstEventEndsTheScriptOnceAndNothingOutlives
     clock->advanceBy(std::chrono::seconds(10));
     settle();
 
-    const auto [untilTheEnd, afterTheEnd] = splitAtTheEnd();
+    // Named copies rather than a structured binding, which a lambda may not capture in C++17.
+    const auto split = splitAtTheEnd();
+    const Lines& untilTheEnd = split.first;
+    const Lines& afterTheEnd = split.second;
     const auto count = [&untilTheEnd](const std::string& prefix) {
         return std::count_if(untilTheEnd.begin(), untilTheEnd.end(),
                              [&](const std::string& line) { return line.rfind(prefix, 0) == 0; });
