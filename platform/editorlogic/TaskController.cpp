@@ -26,6 +26,10 @@ Controller::Controller() {
 Controller::~Controller() {
     Controller* self = this;
     s_instance.compare_exchange_strong(self, nullptr);
+    {
+        std::lock_guard<std::mutex> lock(activity);
+        silenced = true;
+    }
     concurrentJobs.reset();
     jobs.reset();
     Velmor::Testing::CallLog::record("Task::Controller::~Controller");
@@ -47,13 +51,13 @@ void Controller::submitConcurrent(std::function<void()> task, std::function<void
 // busy while either is. The signals go out under the lock, so that they alternate.
 void Controller::enter() {
     std::lock_guard<std::mutex> lock(activity);
-    if (activeRunners++ == 0)
+    if (activeRunners++ == 0 && !silenced)
         emit isBusy();
 }
 
 void Controller::leave() {
     std::lock_guard<std::mutex> lock(activity);
-    if (--activeRunners == 0)
+    if (--activeRunners == 0 && !silenced)
         emit isIdle();
 }
 

@@ -13,7 +13,7 @@ class Workers;
 // their own, those given to submitConcurrent side by side on threads of their own (long jobs,
 // such as exports, that a limit of their own keeps few). isBusy is emitted on a task thread
 // when a task of either kind starts while none runs, isIdle there when every task has ended and
-// none is queued; they alternate, and the destructor ends a busy run with its isIdle. The
+// none is queued; they alternate, and neither is emitted once the destructor has begun. The
 // destructor waits for the running tasks and drops the queued ones: each dropped task's
 // `dropped` is called after the running tasks ended, on the destroying thread.
 class Controller : public QObject {
@@ -42,6 +42,7 @@ private:
 
     std::mutex activity;
     int activeRunners = 0;
+    bool silenced = false;
     std::unique_ptr<Workers> jobs;
     std::unique_ptr<Workers> concurrentJobs;
 };

@@ -17,6 +17,7 @@ public:
 
     std::mutex signalLock;
     bool busy = false;
+    bool silenced = false;
 
     mutable std::mutex threadsLock;
     std::vector<std::thread> threads;
@@ -34,7 +35,7 @@ public:
 
     void signalBusy() {
         std::lock_guard<std::mutex> lock(signalLock);
-        if (busy)
+        if (busy || silenced)
             return;
         busy = true;
         onBusy();
@@ -42,7 +43,7 @@ public:
 
     void signalIdleWhenDone() {
         std::lock_guard<std::mutex> lock(signalLock);
-        if (!busy || !queue.isEmpty())
+        if (!busy || silenced || !queue.isEmpty())
             return;
         busy = false;
         onIdle();
@@ -74,12 +75,15 @@ Workers::Workers(int maxThreads, std::function<void()> onBusy, std::function<voi
 
 Workers::~Workers() {
     {
+        // Taken after a signal under way, if any, has returned.
+        std::lock_guard<std::mutex> lock(d->signalLock);
+        d->silenced = true;
+    }
+    {
         std::lock_guard<std::mutex> lock(d->threadsLock);
         d->closing = true;
     }
     d->queue.close();
-    // The close may have dropped the jobs a busy run was waiting for.
-    d->signalIdleWhenDone();
     for (auto& thread : d->threads)
         thread.join();
 }

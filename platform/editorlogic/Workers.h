@@ -11,11 +11,11 @@ namespace Task {
 // ends alone.
 //
 // onBusy is called before a job starts while no job was queued or running, onIdle once the
-// last job has ended and none is queued. They alternate, onBusy first, and every onBusy is
-// followed by its onIdle, a close included: each is called on the thread that made the change
-// (a worker, or the closing thread when the close dropped the last queued jobs). They are
-// called without the queue's lock, under the workers' own signal lock: they may submit jobs,
-// but must not wait for another thread that signals.
+// last job has ended and none is queued, each on the worker thread that made the change. They
+// alternate, onBusy first, one at a time, and are called without the queue's lock, under the
+// workers' own signal lock: they may submit jobs, but must not wait for another thread that
+// signals. The destructor ends the signals: once it has begun neither is called, so that
+// nobody hears from workers whose owner is going (a run busy then gets no idle).
 //
 // The destructor closes the queue (see JobQueue::close): it waits for the running jobs, drops
 // the queued ones and calls their `dropped` on the destroying thread, then ends the threads.
