@@ -432,3 +432,53 @@ TEST_F(ExportServiceTest, TwoRenderJobsLetTwoExportsRunAtOnceAndNoMore) {
     EXPECT_EQ(pipeline->mostRunning, 2);
     EXPECT_EQ(files().size(), 4);
 }
+
+TEST_F(ExportServiceTest, CancelAllReachesTheExportsOfTheCurrentRuntimeAlone) {
+    startRuntime();
+    provider->require(GlobalContextProvider::Media);
+    auto* parses = Media::FileController::instance();
+    ASSERT_TRUE(parses);
+    std::promise<void> started;
+    std::promise<void> release;
+    auto released = release.get_future().share();
+    parses->submit([&started, released] {
+        started.set_value();
+        released.wait();
+    });
+    ASSERT_EQ(started.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    ExportService service(standIn(pipeline));
+    const auto collected = collect(service.run(exportOf("h264_aac.mp4", "out.mp4")));
+    {
+        // A runtime of its own, made after the first: its stop leaves the first's exports be.
+        GlobalContextProvider other({"app"});
+        ExportService::cancelAll();
+    }
+    EXPECT_FALSE(collected->ended());
+    release.set_value();
+    provider.reset();
+    ASSERT_TRUE(spinUntil([&] { return collected->ended(); }));
+    EXPECT_EQ(pipeline->made, 0);
+}
+
+TEST_F(ExportServiceTest, CancelAllEndsAnExportWaitingForItsInputAtOnce) {
+    startRuntime();
+    provider->require(GlobalContextProvider::Media);
+    auto* parses = Media::FileController::instance();
+    ASSERT_TRUE(parses);
+    std::promise<void> started;
+    std::promise<void> release;
+    auto released = release.get_future().share();
+    parses->submit([&started, released] {
+        started.set_value();
+        released.wait();
+    });
+    ASSERT_EQ(started.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    ExportService service(standIn(pipeline));
+    const auto collected = collect(service.run(exportOf("h264_aac.mp4", "out.mp4")));
+    ExportService::cancelAll();
+    EXPECT_TRUE(collected->ended());
+    EXPECT_THAT(collected->error, FailedWith<Export::ExportCancelled>(
+                                      "Export cancelled: " + output("out.mp4").toStdString()));
+    release.set_value();
+    EXPECT_EQ(pipeline->made, 0);
+}
