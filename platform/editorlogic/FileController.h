@@ -26,7 +26,8 @@ public:
 
 // Opens and parses media files on a thread of its own. isBusy is emitted on that thread when
 // work starts after a rest, isIdle there when the queue has run dry; they alternate, and
-// neither is emitted once the destructor has begun. The parser creator is borrowed and must
+// neither is emitted once the destructor has begun. Both are emitted as Task::Workers signal:
+// under the workers' signal lock, not the queue's. The parser creator is borrowed and must
 // outlive the controller. The destructor waits for the running parse and ends each queued one with
 // ProbeCancelled, on the destroying thread.
 class FileController : public QObject {

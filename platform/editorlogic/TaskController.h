@@ -13,9 +13,11 @@ class Workers;
 // their own, those given to submitConcurrent side by side on threads of their own (long jobs,
 // such as exports, that a limit of their own keeps few). isBusy is emitted on a task thread
 // when a task of either kind starts while none runs, isIdle there when every task has ended and
-// none is queued; they alternate, and neither is emitted once the destructor has begun. The
-// destructor waits for the running tasks and drops the queued ones: each dropped task's
-// `dropped` is called after the running tasks ended, on the destroying thread.
+// none is queued; they alternate, and neither is emitted once the destructor has begun. Both are
+// emitted with the controller's own signal lock held and no queue's: a directly connected slot
+// may submit tasks but must not wait for a task. The destructor waits for the running tasks and
+// drops the queued ones: each dropped task's `dropped` is called after the running tasks ended, on
+// the destroying thread.
 class Controller : public QObject {
     Q_OBJECT
 public:

@@ -1,21 +1,16 @@
 #include "media/ExportRegistry.h"
 #include "media/ExportService.h"
 
-#include "platform/package/PackageDirectory.h"
-#include "service/contexts/GlobalContextProvider.h"
-#include "tests/support/Collect.h"
+#include "tests/media/MediaServiceFixture.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/ManualScheduler.h"
-#include "tests/support/MediaFixtures.h"
 
 #include <QFile>
-#include <QTemporaryDir>
 #include <chrono>
 #include <condition_variable>
 #include <gtest/gtest.h>
 #include <limits>
 #include <mutex>
-#include <optional>
 
 using EditorService::ExportRegistry;
 using EditorService::ExportRun;
@@ -24,7 +19,7 @@ using EditorService::GlobalContextProvider;
 using EditorService::Testing::collect;
 using EditorService::Testing::Collected;
 using EditorService::Testing::ManualScheduler;
-using EditorService::Testing::mediaFixture;
+using EditorService::Testing::MediaServiceFixture;
 using EditorService::Testing::spinUntil;
 using namespace std::chrono_literals;
 
@@ -84,18 +79,15 @@ private:
 };
 
 // Exports on one render-job place, the values of those waiting timed by a manual clock.
-class ExportServiceQueueTest : public testing::Test {
+class ExportServiceQueueTest : public MediaServiceFixture {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(packages.isValid());
-        ASSERT_TRUE(outputs.isValid());
-        Package::setPackageDirectory(packages.path());
-        provider.emplace(QStringList{"app", "--render-jobs=1"});
+        MediaServiceFixture::SetUp();
+        startProvider({"--render-jobs=1"});
     }
     void TearDown() override {
         hold->release();
-        provider.reset();
-        Package::setPackageDirectory(QString());
+        MediaServiceFixture::TearDown();
     }
 
     rxcpp::observable<nlohmann::json> exportTo(const QString& name) {
@@ -105,8 +97,8 @@ protected:
                 return std::make_unique<HeldRun>(hold, settings.output);
             },
             rxcpp::observe_on_one_worker{rxcpp::schedulers::scheduler(timer)});
-        return service.run(QStringList{"app", QString::fromStdString(mediaFixture("h264_aac.mp4")),
-                                       "--output=" + outputs.filePath(name)});
+        return service.run(
+            QStringList{"app", fixture("h264_aac.mp4"), "--output=" + scratchFile(name)});
     }
 
     // Until that many exports wait for the place.
@@ -126,15 +118,11 @@ protected:
         return collected->values.empty() ? nlohmann::json() : collected->values.back();
     }
     nlohmann::json queued(const QString& name, int ahead) const {
-        return {{"export",
-                 {{"output", outputs.filePath(name).toStdString()},
-                  {"queued", true},
-                  {"ahead", ahead}}}};
+        return {
+            {"export",
+             {{"output", scratchFile(name).toStdString()}, {"queued", true}, {"ahead", ahead}}}};
     }
 
-    QTemporaryDir packages;
-    QTemporaryDir outputs;
-    std::optional<GlobalContextProvider> provider;
     std::shared_ptr<Hold> hold = std::make_shared<Hold>();
     std::shared_ptr<ManualScheduler> timer = std::make_shared<ManualScheduler>();
 };

@@ -22,6 +22,7 @@
 #include <future>
 #include <gtest/gtest.h>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -162,8 +163,26 @@ protected:
         Package::setPackageDirectory(packages.path());
     }
     void TearDown() override {
+        releaseParses();
         provider.reset();
         Package::setPackageDirectory(QString());
+    }
+
+    // Holds the file controller's one thread until releaseParses(), so that the parse of an
+    // export started meanwhile waits behind the hold.
+    void holdParses() {
+        provider->require(GlobalContextProvider::Media);
+        auto* parses = Media::FileController::instance();
+        ASSERT_TRUE(parses);
+        std::promise<void> started;
+        parses->submit([&started, released = parsesReleased.get_future().share()] {
+            started.set_value();
+            released.wait();
+        });
+        ASSERT_EQ(started.get_future().wait_for(60s), std::future_status::ready);
+    }
+    void releaseParses() {
+        std::call_once(parsesReleasedOnce, [this] { parsesReleased.set_value(); });
     }
 
     void startRuntime(int renderJobs = 1) {
@@ -205,6 +224,8 @@ protected:
     QTemporaryDir outputs;
     std::optional<GlobalContextProvider> provider;
     std::shared_ptr<Pipeline> pipeline = std::make_shared<Pipeline>();
+    std::promise<void> parsesReleased;
+    std::once_flag parsesReleasedOnce;
 };
 
 TEST_F(ExportServiceTest, ServiceIdIsExport) {
@@ -388,23 +409,14 @@ TEST_F(ExportServiceTest, AnInputThatCanNotBeReadFailsAndExportsNothing) {
 
 TEST_F(ExportServiceTest, AnExportWaitingForItsInputWhenTheRuntimeGoesEndsCancelled) {
     startRuntime();
-    provider->require(GlobalContextProvider::Media);
-    auto* parses = Media::FileController::instance();
-    ASSERT_TRUE(parses);
-    std::promise<void> started;
-    std::promise<void> release;
-    auto released = release.get_future().share();
-    parses->submit([&started, released] {
-        started.set_value();
-        released.wait();
-    });
-    ASSERT_EQ(started.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    holdParses();
+    ASSERT_FALSE(HasFatalFailure());
     ExportService service(standIn(pipeline));
     const auto collected = collect(service.run(exportOf("h264_aac.mp4", "out.mp4")));
     // Queued behind the export's parse: the runtime's end lets go of it, and so of the hold.
     auto releaser = std::make_shared<Releaser>();
-    releaser->release = [&release] { release.set_value(); };
-    parses->submit([releaser] {});
+    releaser->release = [this] { releaseParses(); };
+    Media::FileController::instance()->submit([releaser] {});
     releaser.reset();
     provider.reset();
     ASSERT_TRUE(spinUntil([&] { return collected->ended(); }));
@@ -435,17 +447,8 @@ TEST_F(ExportServiceTest, TwoRenderJobsLetTwoExportsRunAtOnceAndNoMore) {
 
 TEST_F(ExportServiceTest, CancelAllReachesTheExportsOfTheCurrentRuntimeAlone) {
     startRuntime();
-    provider->require(GlobalContextProvider::Media);
-    auto* parses = Media::FileController::instance();
-    ASSERT_TRUE(parses);
-    std::promise<void> started;
-    std::promise<void> release;
-    auto released = release.get_future().share();
-    parses->submit([&started, released] {
-        started.set_value();
-        released.wait();
-    });
-    ASSERT_EQ(started.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    holdParses();
+    ASSERT_FALSE(HasFatalFailure());
     ExportService service(standIn(pipeline));
     const auto collected = collect(service.run(exportOf("h264_aac.mp4", "out.mp4")));
     {
@@ -454,7 +457,7 @@ TEST_F(ExportServiceTest, CancelAllReachesTheExportsOfTheCurrentRuntimeAlone) {
         ExportService::cancelAll();
     }
     EXPECT_FALSE(collected->ended());
-    release.set_value();
+    releaseParses();
     provider.reset();
     ASSERT_TRUE(spinUntil([&] { return collected->ended(); }));
     EXPECT_EQ(pipeline->made, 0);
@@ -462,23 +465,14 @@ TEST_F(ExportServiceTest, CancelAllReachesTheExportsOfTheCurrentRuntimeAlone) {
 
 TEST_F(ExportServiceTest, CancelAllEndsAnExportWaitingForItsInputAtOnce) {
     startRuntime();
-    provider->require(GlobalContextProvider::Media);
-    auto* parses = Media::FileController::instance();
-    ASSERT_TRUE(parses);
-    std::promise<void> started;
-    std::promise<void> release;
-    auto released = release.get_future().share();
-    parses->submit([&started, released] {
-        started.set_value();
-        released.wait();
-    });
-    ASSERT_EQ(started.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    holdParses();
+    ASSERT_FALSE(HasFatalFailure());
     ExportService service(standIn(pipeline));
     const auto collected = collect(service.run(exportOf("h264_aac.mp4", "out.mp4")));
     ExportService::cancelAll();
     EXPECT_TRUE(collected->ended());
     EXPECT_THAT(collected->error, FailedWith<Export::ExportCancelled>(
                                       "Export cancelled: " + output("out.mp4").toStdString()));
-    release.set_value();
+    releaseParses();
     EXPECT_EQ(pipeline->made, 0);
 }
