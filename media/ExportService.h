@@ -37,6 +37,8 @@ public:
     ExportService();
     // Times the values of a waiting export on the main thread (RxApp::mainThread()).
     explicit ExportService(ExportRunFactory exports);
+    // Times them on `waiting`, whose actions must run later, never inside the call that
+    // schedules them.
     ExportService(ExportRunFactory exports, rxcpp::observe_on_one_worker waiting);
 
     // "export".

@@ -192,11 +192,12 @@ public:
             if (phase != Phase::Parsing)
                 return;
             phase = Phase::Waiting;
+            // Its first value is due before anybody can count it waiting.
+            scheduleQueuedValue(waiting.create_coordinator(ticks).get_worker());
             // Places are taken on the file controller's one thread, in the order the exports
             // go on the resource's queue.
             place = registry->enterQueue();
         }
-        scheduleQueuedValue(waiting.create_coordinator(ticks).get_worker());
         auto session = self.shared_from_this();
         resource->jobQueue.get_subscriber().on_next(
             [session, settings] { return session->d->placeGranted(settings); });

@@ -56,13 +56,15 @@ void FileController::parse(const QString& path, Parsed done, Wanted wanted) {
                 return;
             }
             Velmor::AV::MediaInfo info;
+            std::exception_ptr failure;
             try {
                 info = creator->createFileParser(path, {})->info();
             } catch (...) {
-                done({}, std::current_exception());
-                return;
+                failure = std::current_exception();
             }
-            done(info, nullptr);
+            // Handed over whole, outside the handler, so that whoever receives it holds the
+            // failure last, not this thread.
+            done(info, std::move(failure));
         },
         cancel);
 }

@@ -53,7 +53,8 @@ struct Pipeline {
     std::function<std::exception_ptr()> failure = [] {
         return std::make_exception_ptr(std::runtime_error("No space left on device"));
     };
-    // Each export waits before its first frame until this many run at once (or a minute).
+    // Each export waits before its first frame until this many have run at once (or a minute):
+    // once they have, the rest go on, so that the last of a batch never waits alone.
     int waitForRunning = 1;
 
     std::mutex mutex;
@@ -82,7 +83,7 @@ public:
             pipeline.mostRunning = std::max(pipeline.mostRunning, pipeline.running);
             pipeline.changed.notify_all();
             pipeline.changed.wait_for(lock, 60s, [&] {
-                return pipeline.running >= pipeline.waitForRunning || cancelled;
+                return pipeline.mostRunning >= pipeline.waitForRunning || cancelled;
             });
         }
         std::exception_ptr failure;
