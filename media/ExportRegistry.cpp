@@ -48,11 +48,19 @@ std::shared_ptr<ExportRegistry> ExportRegistry::of(GlobalContextProvider& provid
         return registry;
     registry = std::make_shared<ExportRegistry>();
     // Without a context object the lambda runs on the destroying thread, once the provider's
-    // runtime has gone.
+    // runtime has gone: an export still waiting for it then ends cancelled.
     QObject::connect(&provider, &QObject::destroyed, [key = &provider] {
-        auto& all = registries();
-        std::lock_guard<std::mutex> lock(all.mutex);
-        all.byProvider.erase(key);
+        std::shared_ptr<ExportRegistry> gone;
+        {
+            auto& all = registries();
+            std::lock_guard<std::mutex> lock(all.mutex);
+            const auto found = all.byProvider.find(key);
+            if (found == all.byProvider.end())
+                return;
+            gone = std::move(found->second);
+            all.byProvider.erase(found);
+        }
+        gone->cancelAll();
     });
     return registry;
 }

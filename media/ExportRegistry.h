@@ -10,7 +10,8 @@ class GlobalContextProvider;
 
 // The exports of one runtime that have not ended, which a host's stop cancels, and the order in
 // which those waiting for a render-job place wait. A registry serves one GlobalContextProvider
-// and goes with it, so that a new runtime starts with none. Safe from any thread.
+// and goes with it, so that a new runtime starts with none; an export of it that has not ended
+// then (one that waited for its input or a place) ends cancelled. Safe from any thread.
 class ExportRegistry {
 public:
     ExportRegistry();

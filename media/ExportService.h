@@ -14,8 +14,8 @@ namespace EditorService {
 // directory ends it with Error "Can not write to <directory>: <reason>". The input is then
 // probed by the media layer's file controller, and its frame size is the video that the preset
 // context's provider is made for, whose failures pass unchanged; when the runtime ends while
-// the input waits to be probed, the export ends with Export::ExportCancelled
-// "Export cancelled: <output>".
+// the input waits to be probed, or while the export waits for its render-job place, the export
+// ends with Export::ExportCancelled "Export cancelled: <output>".
 //
 // The export waits for a place of the render-job resource, holds it while it encodes as a
 // concurrent task of the task controller, and gives it back when it ends. While it waits for

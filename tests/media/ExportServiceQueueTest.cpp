@@ -3,6 +3,7 @@
 
 #include "tests/media/MediaServiceFixture.h"
 #include "tests/support/EventLoop.h"
+#include "tests/support/FailedWith.h"
 #include "tests/support/ManualScheduler.h"
 
 #include <QFile>
@@ -18,6 +19,7 @@ using EditorService::ExportService;
 using EditorService::GlobalContextProvider;
 using EditorService::Testing::collect;
 using EditorService::Testing::Collected;
+using EditorService::Testing::FailedWith;
 using EditorService::Testing::ManualScheduler;
 using EditorService::Testing::MediaServiceFixture;
 using EditorService::Testing::spinUntil;
@@ -191,4 +193,20 @@ TEST_F(ExportServiceQueueTest, AnExportThatTakesAFreePlaceAtOnceNeverSaysItWaits
     std::lock_guard<std::mutex> lock(only->mutex);
     ASSERT_EQ(only->values.size(), 1u);
     EXPECT_EQ(only->values.back().at("export").at("done"), true);
+}
+
+TEST_F(ExportServiceQueueTest, AnExportWaitingForAPlaceWhenTheRuntimeGoesEndsCancelled) {
+    rxcpp::composite_subscription running;
+    exportTo("running.mp4")
+        .subscribe(
+            running, [](const nlohmann::json&) {}, [](std::exception_ptr) {});
+    ASSERT_TRUE(spinUntil([&] { return hold->runningNow() == 1; }));
+    const auto behind = collect(exportTo("behind.mp4"));
+    ASSERT_TRUE(waiting(1));
+    // The running export lets go of its place, but the runtime goes before the next turn.
+    running.unsubscribe();
+    provider.reset();
+    EXPECT_TRUE(behind->ended());
+    EXPECT_THAT(behind->error, FailedWith<Export::ExportCancelled>(
+                                   "Export cancelled: " + scratchFile("behind.mp4").toStdString()));
 }
