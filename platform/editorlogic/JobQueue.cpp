@@ -24,19 +24,31 @@ struct JobQueue::State {
 
 namespace {
 
-// Counts a taken job as running for as long as it lives.
-template <class State> struct Running {
-    std::shared_ptr<State> state;
-
+// Counts a taken job as running for as long as it lives; made with the queue's lock held.
+template <class State> class Running {
+public:
+    explicit Running(std::shared_ptr<State> shared)
+        : state(std::move(shared)) {
+        ++state->running;
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
     ~Running() {
         std::lock_guard<std::mutex> lock(state->mutex);
         --state->running;
         state->settled.notify_all();
     }
+
+private:
+    std::shared_ptr<State> state;
 };
 
 // The job as it is handed out: what the job holds goes before it stops counting as running.
 template <class State> struct Taken {
+    Taken(std::shared_ptr<State> state, std::function<void()> job)
+        : running(std::move(state))
+        , job(std::move(job)) {}
+
     Running<State> running;
     std::function<void()> job;
 };
@@ -52,11 +64,8 @@ void tell(const std::function<void()>& dropped) {
 
 // Takes the first job, which must be there, with the lock held.
 template <class State> std::function<void()> takeFirst(const std::shared_ptr<State>& state) {
-    auto taken = std::make_shared<Taken<State>>();
-    taken->running.state = state;
-    taken->job = std::move(state->jobs.front().run);
+    auto taken = std::make_shared<Taken<State>>(state, std::move(state->jobs.front().run));
     state->jobs.pop_front();
-    ++state->running;
     return [taken] { taken->job(); };
 }
 
