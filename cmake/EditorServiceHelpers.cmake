@@ -46,13 +46,19 @@ function(editorservice_add_gtest target)
     # Every test file parses the same large headers; parse them once per executable.
     target_precompile_headers(${target} PRIVATE
         <gmock/gmock.h> <gtest/gtest.h> <QString> <QStringList> <nlohmann/json.hpp>)
-    # The discovered tests' properties travel as one list, so several labels keep their
-    # separators escaped.
-    string(REPLACE ";" "\\;" labels "${ARG_LABELS}")
     gtest_discover_tests(${target}
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
-        PROPERTIES LABELS "${labels}" TIMEOUT 300)
+        PROPERTIES TIMEOUT 300)
+    # The discovered tests' properties travel as one flat list, which keeps only the first of
+    # several labels (escaping the separators does not survive it): a script of our own, which
+    # CTest reads after the discovered tests, gives every test all of its binary's labels.
+    set(labelScript "${CMAKE_CURRENT_BINARY_DIR}/${target}_labels.cmake")
+    file(WRITE "${labelScript}"
+        "foreach(discovered IN LISTS ${target}_TESTS)\n"
+        "    set_tests_properties(\"\${discovered}\" PROPERTIES LABELS \"${ARG_LABELS}\")\n"
+        "endforeach()\n")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${labelScript}")
     editorservice_list_test_binary(${target})
     # The ThreadSanitizer run builds only what it runs.
     if("concurrency" IN_LIST ARG_LABELS)

@@ -26,4 +26,8 @@ ExportRunFactory pipelineExports() {
     };
 }
 
+std::exception_ptr exportCancelled(const std::string& output) {
+    return std::make_exception_ptr(Export::ExportCancelled("Export cancelled: " + output));
+}
+
 } // namespace EditorService

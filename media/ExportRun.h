@@ -2,6 +2,7 @@
 
 #include "platform/export/Exporter.h"
 
+#include <exception>
 #include <functional>
 #include <memory>
 #include <string>
@@ -24,5 +25,9 @@ using ExportRunFactory =
 
 // Makes runs of Export::Exporter.
 ExportRunFactory pipelineExports();
+
+// The failure of an export cancelled before it ran or while it ran, the words the pipeline
+// uses too: Export::ExportCancelled "Export cancelled: <output>".
+std::exception_ptr exportCancelled(const std::string& output);
 
 } // namespace EditorService

@@ -1,5 +1,6 @@
 #include "media/ProbeService.h"
 
+#include "media/CallbackStream.h"
 #include "media/RuntimeAccess.h"
 #include "platform/editorlogic/FileController.h"
 
@@ -39,30 +40,15 @@ nlohmann::json describe(const QString& path, const Velmor::AV::MediaInfo& info) 
 }
 
 rxcpp::observable<nlohmann::json> probe(const QString& path) {
-    return rxcpp::observable<>::create<nlohmann::json>(
-               [path](rxcpp::subscriber<nlohmann::json> subscriber) {
-                   try {
-                       requireRuntime(GlobalContextProvider::Media);
-                       auto* files = Media::FileController::instance();
-                       if (!files)
-                           throw std::logic_error("The media context has no file controller");
-                       files->parse(
-                           path,
-                           [subscriber, path](const Velmor::AV::MediaInfo& info,
-                                              std::exception_ptr error) {
-                               if (error) {
-                                   subscriber.on_error(error);
-                                   return;
-                               }
-                               subscriber.on_next(describe(path, info));
-                               subscriber.on_completed();
-                           },
-                           [subscriber] { return subscriber.is_subscribed(); });
-                   } catch (...) {
-                       subscriber.on_error(std::current_exception());
-                   }
-               })
-        .as_dynamic();
+    return callbackStream<Velmor::AV::MediaInfo>(
+        [path](Media::FileController::Parsed done, Media::FileController::Wanted wanted) {
+            requireRuntime(GlobalContextProvider::Media);
+            auto* files = Media::FileController::instance();
+            if (!files)
+                throw std::logic_error("The media context has no file controller");
+            files->parse(path, std::move(done), std::move(wanted));
+        },
+        [path](const Velmor::AV::MediaInfo& info) { return describe(path, info); });
 }
 
 } // namespace

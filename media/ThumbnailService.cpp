@@ -1,5 +1,6 @@
 #include "media/ThumbnailService.h"
 
+#include "media/CallbackStream.h"
 #include "media/RuntimeAccess.h"
 #include "platform/editorlogic/ThumbnailController.h"
 
@@ -33,30 +34,15 @@ nlohmann::json describe(const ThumbnailRequest& request, const Thumbnail::Result
 }
 
 rxcpp::observable<nlohmann::json> thumbnail(const ThumbnailRequest& request) {
-    return rxcpp::observable<>::create<nlohmann::json>(
-               [request](rxcpp::subscriber<nlohmann::json> subscriber) {
-                   try {
-                       requireRuntime(GlobalContextProvider::Render);
-                       auto* thumbnails = Thumbnail::Controller::instance();
-                       if (!thumbnails)
-                           throw std::logic_error("The render context has no thumbnail controller");
-                       thumbnails->extract(
-                           toTask(request),
-                           [subscriber, request](const Thumbnail::Result& result,
-                                                 std::exception_ptr error) {
-                               if (error) {
-                                   subscriber.on_error(error);
-                                   return;
-                               }
-                               subscriber.on_next(describe(request, result));
-                               subscriber.on_completed();
-                           },
-                           [subscriber] { return subscriber.is_subscribed(); });
-                   } catch (...) {
-                       subscriber.on_error(std::current_exception());
-                   }
-               })
-        .as_dynamic();
+    return callbackStream<Thumbnail::Result>(
+        [request](Thumbnail::Controller::Done done, Thumbnail::Controller::Wanted wanted) {
+            requireRuntime(GlobalContextProvider::Render);
+            auto* thumbnails = Thumbnail::Controller::instance();
+            if (!thumbnails)
+                throw std::logic_error("The render context has no thumbnail controller");
+            thumbnails->extract(toTask(request), std::move(done), std::move(wanted));
+        },
+        [request](const Thumbnail::Result& result) { return describe(request, result); });
 }
 
 } // namespace

@@ -58,6 +58,10 @@ AVCodecContext* Decoder::context() const {
     return d->context.get();
 }
 
+int Decoder::reorderDepth() const {
+    return d->context->has_b_frames;
+}
+
 bool Decoder::send(const Packet* packet) {
     if (d->draining)
         return true;

@@ -23,6 +23,9 @@ public:
 
     int streamIndex() const;
     AVCodecContext* context() const;
+    // How many frames the codec holds back to hand them out in display order: 0 for a stream
+    // without reordering. A frame comes out that many frames after its packet went in.
+    int reorderDepth() const;
 
     // Hands a packet of the stream over, or with null starts the drain. False when the codec
     // must give out frames before it takes this packet.

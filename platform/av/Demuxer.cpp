@@ -167,6 +167,18 @@ std::int64_t Demuxer::startTime() const {
     return d->context->start_time == AV_NOPTS_VALUE ? 0 : d->context->start_time;
 }
 
+std::int64_t Demuxer::streamStartTime(int index) const {
+    return stream(index)->start_time;
+}
+
+std::int64_t Demuxer::indexedKeyFrameAtOrBefore(int index, std::int64_t timestamp) const {
+    AVStream* indexed = stream(index);
+    const int entry = av_index_search_timestamp(indexed, timestamp, AVSEEK_FLAG_BACKWARD);
+    if (entry < 0)
+        return AV_NOPTS_VALUE;
+    return avformat_index_get_entry(indexed, entry)->timestamp;
+}
+
 int Demuxer::bestStream(const std::string& type) const {
     const AVMediaType mediaType = type == "video"   ? AVMEDIA_TYPE_VIDEO
                                   : type == "audio" ? AVMEDIA_TYPE_AUDIO

@@ -39,6 +39,12 @@ public:
     Rational frameRate(int index) const;
     // The file's first timestamp in microseconds; 0 when unknown.
     std::int64_t startTime() const;
+    // The stream's first timestamp in its time base; AV_NOPTS_VALUE when unknown.
+    std::int64_t streamStartTime(int index) const;
+    // The timestamp of the last key frame of the stream at or before the timestamp, both in
+    // the stream's time base, as far as the file's index knows it; AV_NOPTS_VALUE when the
+    // index has none there.
+    std::int64_t indexedKeyFrameAtOrBefore(int index, std::int64_t timestamp) const;
     // The stream the library takes for the best of the type ("video", "audio"); -1 for none.
     int bestStream(const std::string& type) const;
 

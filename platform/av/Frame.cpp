@@ -51,6 +51,10 @@ std::int64_t Frame::timestamp() const {
                                                           : frame->pts;
 }
 
+std::int64_t Frame::packetDecodingTimestamp() const {
+    return frame->pkt_dts;
+}
+
 void Frame::setTimestamp(std::int64_t timestamp) {
     frame->pts = timestamp;
     frame->best_effort_timestamp = timestamp;

@@ -24,6 +24,10 @@ public:
     int format() const;
     // In the time base of whoever made it; AV_NOPTS_VALUE when unknown.
     std::int64_t timestamp() const;
+    // The decoding timestamp of the packet whose sending made the decoder hand the frame out,
+    // in the stream's time base; AV_NOPTS_VALUE when unknown. A decoder that reorders hands a
+    // frame out some packets after the frame's own (see Decoder::reorderDepth).
+    std::int64_t packetDecodingTimestamp() const;
     // Sets the timestamp that timestamp() reads and encoders take (pts and the decoder's best
     // effort alike).
     void setTimestamp(std::int64_t timestamp);

@@ -1,7 +1,7 @@
 #include "platform/editorlogic/FileController.h"
 
 #include "platform/editorlogic/ICreatorFileParser.h"
-#include "platform/editorlogic/JobThread.h"
+#include "platform/editorlogic/Workers.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
 
@@ -17,7 +17,8 @@ std::atomic<FileController*> s_instance{nullptr};
 FileController::FileController(ICreatorFileParser* parsers)
     : parserCreator(parsers) {
     Velmor::Testing::Probe::hit("Media::FileController::FileController");
-    jobs = std::make_unique<Task::JobThread>([this] { emit isBusy(); }, [this] { emit isIdle(); });
+    jobs = std::make_unique<Task::Workers>(
+        1, [this] { emit isBusy(); }, [this] { emit isIdle(); });
     Velmor::Testing::CallLog::record("Media::FileController::FileController");
     s_instance.store(this);
 }
@@ -37,8 +38,8 @@ ICreatorFileParser* FileController::parsers() const {
     return parserCreator;
 }
 
-void FileController::submit(std::function<void()> work) {
-    jobs->submit(std::move(work));
+void FileController::submit(std::function<void()> work, std::function<void()> dropped) {
+    jobs->submit(std::move(work), std::move(dropped));
 }
 
 void FileController::parse(const QString& path, Parsed done, Wanted wanted) {
@@ -55,13 +56,15 @@ void FileController::parse(const QString& path, Parsed done, Wanted wanted) {
                 return;
             }
             Velmor::AV::MediaInfo info;
+            std::exception_ptr failure;
             try {
                 info = creator->createFileParser(path, {})->info();
             } catch (...) {
-                done({}, std::current_exception());
-                return;
+                failure = std::current_exception();
             }
-            done(info, nullptr);
+            // Handed over whole, outside the handler, so that whoever receives it holds the
+            // failure last, not this thread.
+            done(info, std::move(failure));
         },
         cancel);
 }

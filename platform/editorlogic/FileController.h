@@ -10,7 +10,7 @@
 #include <stdexcept>
 
 namespace Task {
-class JobThread;
+class Workers;
 }
 
 namespace Media {
@@ -25,9 +25,11 @@ public:
 };
 
 // Opens and parses media files on a thread of its own. isBusy is emitted on that thread when
-// work starts after a rest, isIdle there when the queue has run dry. The parser creator is
-// borrowed and must outlive the controller. The destructor waits for the running parse and
-// ends each queued one with ProbeCancelled, on the destroying thread.
+// work starts after a rest, isIdle there when the queue has run dry; they alternate, and
+// neither is emitted once the destructor has begun. Both are emitted as Task::Workers signal:
+// under the workers' signal lock, not the queue's. The parser creator is borrowed and must
+// outlive the controller. The destructor waits for the running parse and ends each queued one with
+// ProbeCancelled, on the destroying thread.
 class FileController : public QObject {
     Q_OBJECT
 public:
@@ -38,7 +40,9 @@ public:
     static FileController* instance();
 
     ICreatorFileParser* parsers() const;
-    void submit(std::function<void()> work);
+    // Exactly one of `work` and `dropped` (when given) is called: `dropped` when the
+    // controller goes before the work ran, on the destroying thread.
+    void submit(std::function<void()> work, std::function<void()> dropped = nullptr);
     // What parsing a file gives: its description, or the failure that stopped it.
     using Parsed = std::function<void(const Velmor::AV::MediaInfo& info, std::exception_ptr error)>;
 
@@ -58,7 +62,7 @@ signals:
 
 private:
     ICreatorFileParser* parserCreator;
-    std::unique_ptr<Task::JobThread> jobs;
+    std::unique_ptr<Task::Workers> jobs;
 };
 
 } // namespace Media

@@ -2,6 +2,7 @@
 
 #include "platform/av/Frame.h"
 #include "platform/av/ImageWriter.h"
+#include "platform/av/Picture.h"
 #include "platform/editorlogic/DecodedVideoStream.h"
 #include "platform/editorlogic/StreamProvider.h"
 #include "platform/editorlogic/ThumbnailTaskProvider.h"
@@ -13,10 +14,6 @@
 
 #include <algorithm>
 #include <stdexcept>
-
-extern "C" {
-#include <libavutil/pixfmt.h>
-}
 
 namespace Thumbnail {
 
@@ -68,7 +65,7 @@ Result FrameExtractor::extract(const Request& request) {
     settings.width = original ? frame.width() : request.width;
     settings.height = original ? frame.height() : request.height;
     settings.mode = request.mode;
-    settings.pixelFormat = AV_PIX_FMT_RGB24;
+    settings.pixelFormat = Velmor::AV::pixelFormat("rgb24");
     const Velmor::AV::Frame picture = Velmor::Proc::Resizer(settings).Resize(frame);
     Velmor::AV::writePng(picture, request.output.toStdString());
     return Result{stream->cutter().frameMilliseconds(), settings.width, settings.height};

@@ -1,7 +1,6 @@
 #include "platform/editorlogic/TaskController.h"
 
-#include "platform/editorlogic/JobPool.h"
-#include "platform/editorlogic/JobThread.h"
+#include "platform/editorlogic/Workers.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
 
@@ -16,8 +15,10 @@ std::atomic<Controller*> s_instance{nullptr};
 
 Controller::Controller() {
     Velmor::Testing::Probe::hit("Task::Controller::Controller");
-    jobs = std::make_unique<JobThread>([this] { enter(); }, [this] { leave(); });
-    concurrentJobs = std::make_unique<JobPool>([this] { enter(); }, [this] { leave(); });
+    jobs = std::make_unique<Workers>(
+        1, [this] { enter(); }, [this] { leave(); });
+    concurrentJobs = std::make_unique<Workers>(
+        0, [this] { enter(); }, [this] { leave(); });
     Velmor::Testing::CallLog::record("Task::Controller::Controller");
     s_instance.store(this);
 }
@@ -25,6 +26,10 @@ Controller::Controller() {
 Controller::~Controller() {
     Controller* self = this;
     s_instance.compare_exchange_strong(self, nullptr);
+    {
+        std::lock_guard<std::mutex> lock(activity);
+        silenced = true;
+    }
     concurrentJobs.reset();
     jobs.reset();
     Velmor::Testing::CallLog::record("Task::Controller::~Controller");
@@ -34,25 +39,25 @@ Controller* Controller::instance() {
     return s_instance.load();
 }
 
-void Controller::submit(std::function<void()> task) {
-    jobs->submit(std::move(task));
+void Controller::submit(std::function<void()> task, std::function<void()> dropped) {
+    jobs->submit(std::move(task), std::move(dropped));
 }
 
-void Controller::submitConcurrent(std::function<void()> task) {
-    concurrentJobs->submit(std::move(task));
+void Controller::submitConcurrent(std::function<void()> task, std::function<void()> dropped) {
+    concurrentJobs->submit(std::move(task), std::move(dropped));
 }
 
-// The serial thread and the pool turn busy and idle each by itself; the controller is busy
-// while either is. The signals go out under the lock, so that they alternate.
+// The serial and the concurrent workers turn busy and idle each by itself; the controller is
+// busy while either is. The signals go out under the lock, so that they alternate.
 void Controller::enter() {
     std::lock_guard<std::mutex> lock(activity);
-    if (activeRunners++ == 0)
+    if (activeRunners++ == 0 && !silenced)
         emit isBusy();
 }
 
 void Controller::leave() {
     std::lock_guard<std::mutex> lock(activity);
-    if (--activeRunners == 0)
+    if (--activeRunners == 0 && !silenced)
         emit isIdle();
 }
 

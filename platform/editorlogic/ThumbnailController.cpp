@@ -59,16 +59,18 @@ void Controller::extract(const Request& request, Done done, Wanted wanted) {
             return;
         }
         Result result;
+        std::exception_ptr failure;
         try {
             const auto alive = weakExtractor.lock();
             if (!alive)
                 throw std::logic_error("Can not extract a thumbnail: the extractor is gone");
             result = alive->extract(request);
         } catch (...) {
-            done({}, std::current_exception());
-            return;
+            failure = std::current_exception();
         }
-        done(result, nullptr);
+        // Handed over whole, outside the handler, so that whoever receives it holds the
+        // failure last, not this thread.
+        done(failure ? Result{} : result, std::move(failure));
     };
     tasks->push(std::move(task), std::move(cancel));
     // The task runs inside process(), which takes every queued task of every provider.

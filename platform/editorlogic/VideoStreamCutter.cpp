@@ -4,22 +4,29 @@
 #include "platform/av/Demuxer.h"
 #include "platform/av/Frame.h"
 #include "platform/av/MediaError.h"
-
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-}
+#include "platform/av/Rational.h"
 
 namespace Media {
 
 using Velmor::AV::Frame;
 using Velmor::AV::MediaError;
+using Velmor::AV::noTimestamp;
+using Velmor::AV::Rational;
+using Velmor::AV::rescale;
+
+namespace {
+
+const Rational milliseconds{1, 1000};
+const Rational microseconds{1, 1000000};
+
+} // namespace
 
 class VideoStreamCutter::Private {
 public:
     Velmor::AV::Demuxer& demuxer;
     Velmor::AV::Decoder& decoder;
-    AVStream* stream;
+    int stream;
+    Rational timeBase;
     // The file's start, in the stream's time base: times asked for count from it.
     std::int64_t start;
     Frame current;
@@ -31,19 +38,16 @@ public:
     Private(Velmor::AV::Demuxer& demuxer, Velmor::AV::Decoder& decoder)
         : demuxer(demuxer)
         , decoder(decoder)
-        , stream(demuxer.stream(decoder.streamIndex())) {
-        const std::int64_t fileStart = demuxer.context()->start_time;
-        start = fileStart == AV_NOPTS_VALUE
-                    ? 0
-                    : av_rescale_q(fileStart, AV_TIME_BASE_Q, stream->time_base);
-    }
+        , stream(decoder.streamIndex())
+        , timeBase(demuxer.timeBase(stream))
+        , start(rescale(demuxer.startTime(), microseconds, timeBase)) {}
 
-    std::int64_t toStream(std::int64_t milliseconds) const {
-        return start + av_rescale_q(milliseconds, AVRational{1, 1000}, stream->time_base);
+    std::int64_t toStream(std::int64_t time) const {
+        return start + rescale(time, milliseconds, timeBase);
     }
 
     std::int64_t toMilliseconds(std::int64_t timestamp) const {
-        return av_rescale_q(timestamp - start, stream->time_base, AVRational{1, 1000});
+        return rescale(timestamp - start, timeBase, milliseconds);
     }
 
     // Whether decoding on from the current frame reaches the target before a key frame would.
@@ -52,24 +56,24 @@ public:
     bool decodingOnIsCheaper(std::int64_t target) const {
         if (!hasCurrent || current.timestamp() > target)
             return false;
-        const int entry =
-            av_index_search_timestamp(stream, target - reorderDelay(), AVSEEK_FLAG_BACKWARD);
-        if (entry < 0)
+        const std::int64_t keyFrame =
+            demuxer.indexedKeyFrameAtOrBefore(stream, target - reorderDelay());
+        if (keyFrame == noTimestamp)
             return true;
-        const std::int64_t decoded =
-            current->pkt_dts != AV_NOPTS_VALUE ? current->pkt_dts : current.timestamp();
-        return avformat_index_get_entry(stream, entry)->timestamp <= decoded;
+        const std::int64_t packet = current.packetDecodingTimestamp();
+        const std::int64_t decoded = packet != noTimestamp ? packet : current.timestamp();
+        return keyFrame <= decoded;
     }
 
     std::int64_t reorderDelay() const {
-        const AVRational rate = stream->avg_frame_rate;
+        const Rational rate = demuxer.frameRate(stream);
         if (rate.num <= 0 || rate.den <= 0)
             return 0;
-        return decoder.context()->has_b_frames * av_rescale_q(1, av_inv_q(rate), stream->time_base);
+        return decoder.reorderDepth() * rescale(1, Rational{rate.den, rate.num}, timeBase);
     }
 
     void seek(std::int64_t target) {
-        demuxer.seek(stream->index, target);
+        demuxer.seek(stream, target);
         decoder.flush();
         hasCurrent = false;
         hasAhead = false;
@@ -80,8 +84,9 @@ public:
     // the target; the seek then steps back, a second, two, four..., until a frame at or before
     // the target comes out or the stream's start is reached.
     void seekTo(std::int64_t target) {
-        const std::int64_t second = av_rescale_q(1, AVRational{1, 1}, stream->time_base);
-        const std::int64_t first = stream->start_time != AV_NOPTS_VALUE ? stream->start_time : 0;
+        const std::int64_t second = rescale(1, Rational{1, 1}, timeBase);
+        const std::int64_t streamStart = demuxer.streamStartTime(stream);
+        const std::int64_t first = streamStart != noTimestamp ? streamStart : 0;
         std::int64_t back = 0;
         while (true) {
             seek(target - back);

@@ -9,6 +9,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <poll.h>
 #include <pty.h>
@@ -299,6 +300,37 @@ TEST_F(ExportTest, ByDefaultExportsOfAScriptRunOneAtATime) {
               [](const auto& a, const auto& b) { return a.at("started_ms") < b.at("started_ms"); });
     for (std::size_t i = 1; i < done.size(); ++i)
         EXPECT_LE(done[i - 1].at("finished_ms"), done[i].at("started_ms"));
+}
+
+// Eight exports of two seconds each on one render-job place: the last waits far longer than
+// its one-second limit, and lives on the values it emits while it waits.
+TEST_F(ExportTest, ExportsWaitingForARenderJobPlaceOutliveTheirTimeLimits) {
+    QByteArray script;
+    for (int i = 0; i < 8; ++i) {
+        script += "export; " + fixture("h264_aac.mp4").toUtf8() + "; --output="
+                  + path(QStringLiteral("%1.mp4").arg(i)).toUtf8() + "; --timeout=1\n";
+    }
+    const HostRun run = runHost({"--render-jobs=1", "script", writeScript(script), "--jobs=0"});
+    ASSERT_EQ(run.exitCode, 0) << run.errors.toStdString();
+    EXPECT_EQ(doneValues(run).size(), 8u);
+    for (int i = 0; i < 8; ++i)
+        EXPECT_EQ(ffprobe(path(QStringLiteral("%1.mp4").arg(i))).streams.size(), 2) << i;
+    // A waiting export says how many wait before it; one that runs never says it waits.
+    int queued = 0;
+    std::map<std::string, bool> started;
+    for (const auto& value : values(run)) {
+        const auto& state = value.at("export");
+        const std::string output = state.at("output");
+        if (state.contains("progress") || state.contains("done"))
+            started[output] = true;
+        if (!state.contains("queued"))
+            continue;
+        ++queued;
+        EXPECT_FALSE(started[output]) << value.dump();
+        EXPECT_GE(state.at("ahead").get<int>(), 0);
+        EXPECT_LE(state.at("ahead").get<int>(), 6);
+    }
+    EXPECT_GT(queued, 0);
 }
 
 TEST_F(ExportTest, ASiblingFailureCancelsAnExportRunningUnderTheScriptsJobLimitAndLeavesNoFile) {

@@ -22,6 +22,7 @@
 #include <future>
 #include <gtest/gtest.h>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -52,7 +53,8 @@ struct Pipeline {
     std::function<std::exception_ptr()> failure = [] {
         return std::make_exception_ptr(std::runtime_error("No space left on device"));
     };
-    // Each export waits before its first frame until this many run at once (or a minute).
+    // Each export waits before its first frame until this many have run at once (or a minute):
+    // once they have, the rest go on, so that the last of a batch never waits alone.
     int waitForRunning = 1;
 
     std::mutex mutex;
@@ -81,7 +83,7 @@ public:
             pipeline.mostRunning = std::max(pipeline.mostRunning, pipeline.running);
             pipeline.changed.notify_all();
             pipeline.changed.wait_for(lock, 60s, [&] {
-                return pipeline.running >= pipeline.waitForRunning || cancelled;
+                return pipeline.mostRunning >= pipeline.waitForRunning || cancelled;
             });
         }
         std::exception_ptr failure;
@@ -162,8 +164,26 @@ protected:
         Package::setPackageDirectory(packages.path());
     }
     void TearDown() override {
+        releaseParses();
         provider.reset();
         Package::setPackageDirectory(QString());
+    }
+
+    // Holds the file controller's one thread until releaseParses(), so that the parse of an
+    // export started meanwhile waits behind the hold.
+    void holdParses() {
+        provider->require(GlobalContextProvider::Media);
+        auto* parses = Media::FileController::instance();
+        ASSERT_TRUE(parses);
+        std::promise<void> started;
+        parses->submit([&started, released = parsesReleased.get_future().share()] {
+            started.set_value();
+            released.wait();
+        });
+        ASSERT_EQ(started.get_future().wait_for(60s), std::future_status::ready);
+    }
+    void releaseParses() {
+        std::call_once(parsesReleasedOnce, [this] { parsesReleased.set_value(); });
     }
 
     void startRuntime(int renderJobs = 1) {
@@ -205,6 +225,8 @@ protected:
     QTemporaryDir outputs;
     std::optional<GlobalContextProvider> provider;
     std::shared_ptr<Pipeline> pipeline = std::make_shared<Pipeline>();
+    std::promise<void> parsesReleased;
+    std::once_flag parsesReleasedOnce;
 };
 
 TEST_F(ExportServiceTest, ServiceIdIsExport) {
@@ -388,23 +410,14 @@ TEST_F(ExportServiceTest, AnInputThatCanNotBeReadFailsAndExportsNothing) {
 
 TEST_F(ExportServiceTest, AnExportWaitingForItsInputWhenTheRuntimeGoesEndsCancelled) {
     startRuntime();
-    provider->require(GlobalContextProvider::Media);
-    auto* parses = Media::FileController::instance();
-    ASSERT_TRUE(parses);
-    std::promise<void> started;
-    std::promise<void> release;
-    auto released = release.get_future().share();
-    parses->submit([&started, released] {
-        started.set_value();
-        released.wait();
-    });
-    ASSERT_EQ(started.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    holdParses();
+    ASSERT_FALSE(HasFatalFailure());
     ExportService service(standIn(pipeline));
     const auto collected = collect(service.run(exportOf("h264_aac.mp4", "out.mp4")));
     // Queued behind the export's parse: the runtime's end lets go of it, and so of the hold.
     auto releaser = std::make_shared<Releaser>();
-    releaser->release = [&release] { release.set_value(); };
-    parses->submit([releaser] {});
+    releaser->release = [this] { releaseParses(); };
+    Media::FileController::instance()->submit([releaser] {});
     releaser.reset();
     provider.reset();
     ASSERT_TRUE(spinUntil([&] { return collected->ended(); }));
@@ -431,4 +444,36 @@ TEST_F(ExportServiceTest, TwoRenderJobsLetTwoExportsRunAtOnceAndNoMore) {
     ASSERT_FALSE(HasFatalFailure());
     EXPECT_EQ(pipeline->mostRunning, 2);
     EXPECT_EQ(files().size(), 4);
+}
+
+TEST_F(ExportServiceTest, CancelAllReachesTheExportsOfTheCurrentRuntimeAlone) {
+    startRuntime();
+    holdParses();
+    ASSERT_FALSE(HasFatalFailure());
+    ExportService service(standIn(pipeline));
+    const auto collected = collect(service.run(exportOf("h264_aac.mp4", "out.mp4")));
+    {
+        // A runtime of its own, made after the first: its stop leaves the first's exports be.
+        GlobalContextProvider other({"app"});
+        ExportService::cancelAll();
+    }
+    EXPECT_FALSE(collected->ended());
+    releaseParses();
+    provider.reset();
+    ASSERT_TRUE(spinUntil([&] { return collected->ended(); }));
+    EXPECT_EQ(pipeline->made, 0);
+}
+
+TEST_F(ExportServiceTest, CancelAllEndsAnExportWaitingForItsInputAtOnce) {
+    startRuntime();
+    holdParses();
+    ASSERT_FALSE(HasFatalFailure());
+    ExportService service(standIn(pipeline));
+    const auto collected = collect(service.run(exportOf("h264_aac.mp4", "out.mp4")));
+    ExportService::cancelAll();
+    EXPECT_TRUE(collected->ended());
+    EXPECT_THAT(collected->error, FailedWith<Export::ExportCancelled>(
+                                      "Export cancelled: " + output("out.mp4").toStdString()));
+    releaseParses();
+    EXPECT_EQ(pipeline->made, 0);
 }

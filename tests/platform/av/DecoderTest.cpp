@@ -76,6 +76,26 @@ TEST(DecoderTest, AfterASeekAndFlushDecodingStartsAtTheKeyFrame) {
     EXPECT_EQ(av_rescale_q(frame.timestamp(), timeBase, AVRational{1, 1000}), 1000);
 }
 
+// ffprobe shows "has_b_frames=2" for noaudio.mp4 and its first packets at dts -1024, -512, 0:
+// one thread holding two frames back hands the first frame out on the third packet.
+TEST(DecoderTest, AFrameTellsThePacketThatHandedItOutInDecodingOrder) {
+    Demuxer demuxer(mediaFixture("noaudio.mp4"));
+    Decoder decoder(demuxer, 0, 1);
+    Frame frame;
+    ASSERT_TRUE(decoder.decodeNext(demuxer, frame));
+    EXPECT_EQ(frame.timestamp(), 0);
+    EXPECT_EQ(decoder.reorderDepth(), 2);
+    EXPECT_EQ(frame.packetDecodingTimestamp(), 0);
+}
+
+TEST(DecoderTest, AStreamWithoutReorderingHoldsNoFrameBack) {
+    Demuxer demuxer(mediaFixture("still.png"));
+    Decoder decoder(demuxer, 0);
+    Frame frame;
+    ASSERT_TRUE(decoder.decodeNext(demuxer, frame));
+    EXPECT_EQ(decoder.reorderDepth(), 0);
+}
+
 TEST(DecoderTest, DecodesOddSizesAndStills) {
     EXPECT_EQ(countFrames("wide_1921x1080.mp4", "video"), 25);
     EXPECT_EQ(countFrames("still.png", "video"), 1);

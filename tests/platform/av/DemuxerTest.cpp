@@ -2,6 +2,7 @@
 
 #include "platform/av/MediaError.h"
 #include "platform/av/Packet.h"
+#include "platform/av/Rational.h"
 #include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
@@ -136,6 +137,25 @@ TEST(DemuxerTest, TellsEachStreamsTimeBaseFrameRateAndTheFilesStart) {
     EXPECT_GT(demuxer.timeBase(video).den, 0);
     EXPECT_EQ(demuxer.timeBase(demuxer.bestStream("audio")), (Velmor::AV::Rational{1, 48000}));
     EXPECT_EQ(demuxer.startTime(), 0);
+}
+
+// As ffprobe shows them: video 0.007 s and audio -0.007 s in a time base of 1/1000; a still
+// tells none.
+TEST(DemuxerTest, TellsEachStreamsStart) {
+    Demuxer demuxer(mediaFixture("vp9_opus.mkv"));
+    EXPECT_EQ(demuxer.streamStartTime(demuxer.bestStream("video")), 7);
+    EXPECT_EQ(demuxer.streamStartTime(demuxer.bestStream("audio")), -7);
+    Demuxer still(mediaFixture("still.png"));
+    EXPECT_EQ(still.streamStartTime(0), Velmor::AV::noTimestamp);
+}
+
+// ffprobe lists the key packets of noaudio.mp4 (time base 1/12800) at dts -1024 and 11776.
+TEST(DemuxerTest, FindsTheIndexedKeyFrameAtOrBeforeATimeInDecodingOrder) {
+    Demuxer demuxer(mediaFixture("noaudio.mp4"));
+    EXPECT_EQ(demuxer.indexedKeyFrameAtOrBefore(0, 19200), 11776);
+    EXPECT_EQ(demuxer.indexedKeyFrameAtOrBefore(0, 11776), 11776);
+    EXPECT_EQ(demuxer.indexedKeyFrameAtOrBefore(0, 11775), -1024);
+    EXPECT_EQ(demuxer.indexedKeyFrameAtOrBefore(0, -2000), Velmor::AV::noTimestamp);
 }
 
 TEST(DemuxerTest, AReadOfAFifoThatNeverDeliversAsksTheCallbackAndGivesUp) {

@@ -1,6 +1,7 @@
 #include "platform/av/Frame.h"
 
 #include "platform/av/MediaError.h"
+#include "platform/av/Rational.h"
 #include "tests/support/FailedWith.h"
 
 #include <gmock/gmock.h>
@@ -59,4 +60,11 @@ TEST(FrameTest, TimestampPrefersTheBestEffortOne) {
     EXPECT_EQ(frame.timestamp(), 5);
     frame->best_effort_timestamp = 7;
     EXPECT_EQ(frame.timestamp(), 7);
+}
+
+TEST(FrameTest, ThePacketDecodingTimestampIsThatOfThePacketItCameFrom) {
+    Frame frame;
+    EXPECT_EQ(frame.packetDecodingTimestamp(), Velmor::AV::noTimestamp);
+    frame->pkt_dts = -1024;
+    EXPECT_EQ(frame.packetDecodingTimestamp(), -1024);
 }

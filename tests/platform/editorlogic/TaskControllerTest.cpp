@@ -146,3 +146,55 @@ TEST_F(TaskControllerTest, AConcurrentTaskAloneSignalsBusyAndIdleAroundIt) {
     const std::vector<std::string> expected{"isBusy", "task", "isIdle"};
     EXPECT_EQ(log.events, expected);
 }
+
+TEST_F(TaskControllerTest, ATaskStillQueuedWhenTheControllerGoesIsDroppedAfterTheRunningOne) {
+    std::promise<void> started;
+    std::promise<void> release;
+    auto released = release.get_future().share();
+    std::vector<std::string> events;
+    std::thread::id droppedOn;
+    std::thread releaser;
+    {
+        Task::Controller controller;
+        controller.submit([&, released] {
+            started.set_value();
+            released.wait();
+            events.push_back("running ended");
+        });
+        controller.submit([&] { events.push_back("queued ran"); },
+                          [&] {
+                              events.push_back("queued dropped");
+                              droppedOn = std::this_thread::get_id();
+                          });
+        ASSERT_EQ(started.get_future().wait_for(generously), std::future_status::ready);
+        releaser = std::thread([&release] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            release.set_value();
+        });
+    }
+    releaser.join();
+    const std::vector<std::string> expected{"running ended", "queued dropped"};
+    EXPECT_EQ(events, expected);
+    EXPECT_EQ(droppedOn, std::this_thread::get_id());
+}
+
+TEST_F(TaskControllerTest, NothingIsSignalledOnceTheDestructorHasBegun) {
+    std::promise<void> started;
+    std::promise<void> release;
+    auto released = release.get_future().share();
+    auto controller = std::make_unique<Task::Controller>();
+    EventLog log(*controller);
+    controller->submitConcurrent([&, released] {
+        started.set_value();
+        released.wait();
+    });
+    ASSERT_EQ(started.get_future().wait_for(generously), std::future_status::ready);
+    std::thread releaser([&release] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        release.set_value();
+    });
+    controller.reset();
+    releaser.join();
+    std::lock_guard<std::mutex> lock(log.mutex);
+    EXPECT_EQ(log.events, std::vector<std::string>{"isBusy"});
+}
