@@ -115,6 +115,24 @@ TEST_F(ConsoleHostTest, ServiceHelpPrintsThatServicesOptions) {
     EXPECT_EQ(run.errors, "");
 }
 
+TEST_F(ConsoleHostTest, ExportAndPresetHelpListEveryPresetTheDefaultFirst) {
+    for (const char* service : {"export", "preset"}) {
+        const HostRun run = runHost({service, "--help"});
+        EXPECT_EQ(run.exitCode, 0) << service;
+        int previous = -1;
+        for (const char* preset :
+             {"\n  mp4 (default)  the video's size  CODEC_ID_H264 CODEC_ID_HEVC\n", "\n  2160p ",
+              "\n  1440p ", "\n  1080p ", "\n  720p ", "\n  480p ", "\n  360p "}) {
+            const int at = run.output.indexOf(preset);
+            EXPECT_GT(at, previous) << service << ": " << preset << "\n"
+                                    << run.output.toStdString();
+            previous = at;
+        }
+        EXPECT_TRUE(run.output.endsWith("CODEC_ID_H264 CODEC_ID_HEVC\n")) << service;
+        EXPECT_EQ(run.errors, "") << service;
+    }
+}
+
 TEST_F(ConsoleHostTest, FailingStreamExitsWithFailureAndTheErrorsOwnText) {
     const HostRun run = runHost({"fail", "--message=boom"});
     EXPECT_EQ(run.exitCode, 1);
