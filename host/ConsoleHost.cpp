@@ -22,6 +22,7 @@
 #include <condition_variable>
 #include <csignal>
 #include <cstdio>
+#include <glog/logging.h>
 #include <mutex>
 #include <unistd.h>
 
@@ -41,8 +42,16 @@ const QCommandLineOption& versionOption() {
     return option;
 }
 
+const QCommandLineOption& quietOption() {
+    static const QCommandLineOption option(
+        QStringList{"q", "quiet"},
+        QStringLiteral("Show only errors on stderr: no log of commands and no warnings of the "
+                       "media libraries."));
+    return option;
+}
+
 QList<QCommandLineOption> hostOptions() {
-    return QList<QCommandLineOption>{helpOption(), versionOption()}
+    return QList<QCommandLineOption>{helpOption(), versionOption(), quietOption()}
            + GlobalContextProvider::options() + TimeoutProxyService::options();
 }
 
@@ -151,6 +160,8 @@ int ConsoleHost::Private::exec() {
                        .arg(parser.unknownOptionNames().first()));
         return ExitStatus::Usage;
     }
+    if (parser.isSet(quietOption()))
+        FLAGS_minloglevel = google::GLOG_ERROR;
     if (!command) {
         printError(QStringLiteral("No service specified, try \"reelsmith --help\""));
         return ExitStatus::Usage;

@@ -39,10 +39,10 @@ TEST_F(ConsoleHostTest, HelpListsEveryServiceAndTheHostOptions) {
     const HostRun run = runHost({"--help"});
     EXPECT_EQ(run.exitCode, 0);
     for (const char* expected :
-         {"\n  echo ", "\n  fail ", "\n  noop ", "\n  preset ", "\n  presets ", "\n  runtime ",
-          "\n  script ", "\n  shard ", "\n  tick ", "--timeout, -t <seconds>", "--hot-start",
-          "--render-jobs, --rj <N>", "--disable-plugin <plugin name>",
-          "--cache-ttl <time in msec>"})
+         {"\n  echo ", "\n  export ", "\n  fail ", "\n  noop ", "\n  preset ", "\n  presets ",
+          "\n  runtime ", "\n  script ", "\n  shard ", "\n  probe ", "\n  thumbnail ", "\n  tick ",
+          "--timeout, -t <seconds>", "--hot-start", "--render-jobs, --rj <N>", "-v, --version",
+          "-q, --quiet", "--disable-plugin <plugin name>", "--cache-ttl <time in msec>"})
         EXPECT_TRUE(run.output.contains(expected)) << expected;
     EXPECT_TRUE(QString::fromUtf8(run.output)
                     .contains(QRegularExpression(
