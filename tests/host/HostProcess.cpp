@@ -1,5 +1,6 @@
 #include "tests/host/HostProcess.h"
 
+#include <QFile>
 #include <atomic>
 #include <csignal>
 #include <gtest/gtest.h>
@@ -84,6 +85,13 @@ TerminalRun runHostOnATerminal(const QStringList& arguments, OutputOn output) {
     reader.join();
     ::close(master);
     return run;
+}
+
+QString writeFile(const QString& path, const QByteArray& content) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+    file.write(content);
+    return path;
 }
 
 void startHost(QProcess& process, const QStringList& arguments) {

@@ -34,6 +34,9 @@ enum class OutputOn { Pipe, Terminal };
 
 TerminalRun runHostOnATerminal(const QStringList& arguments, OutputOn output = OutputOn::Pipe);
 
+// Writes a file for the host to read, such as a script, and gives its path back.
+QString writeFile(const QString& path, const QByteArray& content);
+
 // Starts the host and leaves it running, for tests that signal it or close its output.
 void startHost(QProcess& process, const QStringList& arguments);
 

@@ -2,7 +2,6 @@
 #include "tests/host/MediaTools.h"
 #include "tests/support/MediaFixtures.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -11,6 +10,7 @@ using EditorService::Testing::HostRun;
 using EditorService::Testing::isLogLine;
 using EditorService::Testing::mediaFixture;
 using EditorService::Testing::runHost;
+using EditorService::Testing::writeFile;
 
 namespace {
 
@@ -32,11 +32,7 @@ const QByteArray cantOpenEmptyMp4 =
 class QuietTest : public testing::Test {
 protected:
     QString writeScript(const QByteArray& content) {
-        const QString path = directory.filePath(QStringLiteral("quiet.reel"));
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        return path;
+        return writeFile(directory.filePath(QStringLiteral("quiet.reel")), content);
     }
 
     QTemporaryDir directory;

@@ -1,3 +1,4 @@
+#include "tests/host/HostProcess.h"
 #include "tests/support/MediaFixtures.h"
 
 #include <QDir>
@@ -13,6 +14,7 @@
 #include <vector>
 
 using EditorService::Testing::mediaFixture;
+using EditorService::Testing::writeFile;
 
 namespace {
 
@@ -94,12 +96,6 @@ std::vector<ReadmeCommand> readmeCommands() {
 void copyFile(const QString& from, const QString& to) {
     QDir().mkpath(QFileInfo(to).path());
     EXPECT_TRUE(QFile::copy(from, to)) << from.toStdString() << " to " << to.toStdString();
-}
-
-void writeFile(const QString& path, const QByteArray& content) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    file.write(content);
 }
 
 // The folder a command runs in: the sample clip as clip.mp4, the examples' scripts under

@@ -2,7 +2,6 @@
 #include "tests/host/MediaTools.h"
 #include "tests/support/MediaFixtures.h"
 
-#include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -13,6 +12,7 @@ using EditorService::Testing::mediaFixture;
 using EditorService::Testing::OutputOn;
 using EditorService::Testing::runHostOnATerminal;
 using EditorService::Testing::TerminalRun;
+using EditorService::Testing::writeFile;
 
 namespace {
 
@@ -52,14 +52,6 @@ bool isJsonValue(const QByteArray& line) {
 
 class TerminalTest : public testing::Test {
 protected:
-    QString writeFile(const QString& name, const QByteArray& content) {
-        const QString path = directory.filePath(name);
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        return path;
-    }
-
     QTemporaryDir directory;
 };
 
@@ -75,9 +67,9 @@ TEST_F(TerminalTest, JsonAndLogLinesOnTheProgressLinesTerminalStandOnLinesOfThei
     // While the export draws its line: its own progress values and a tick on stdout, and
     // after the tick a nested script's log line on stderr.
     const QString output = directory.filePath(QStringLiteral("out.mp4"));
-    const QString later = writeFile(QStringLiteral("later.reel"), "echo; later\n");
+    const QString later = writeFile(directory.filePath("later.reel"), "echo; later\n");
     const QString script =
-        writeFile(QStringLiteral("batch.reel"),
+        writeFile(directory.filePath("batch.reel"),
                   "export; " + QByteArray::fromStdString(mediaFixture("long.mp4"))
                       + "; --output=" + output.toUtf8()
                       + "\ntick; --count=1; --interval=1000\nscript; " + later.toUtf8() + "\n");
