@@ -2,8 +2,12 @@
 
 #include "tests/host/services/PseudoTerminal.h"
 
+#include <QRegularExpression>
 #include <cstdio>
 #include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
 
 using EditorService::Testing::PseudoTerminal;
 
@@ -106,4 +110,34 @@ TEST(ProgressLineTest, SharesItsTerminalWithAnotherStreamOnTheSameDeviceOnly) {
     ASSERT_NE(file, nullptr);
     EXPECT_FALSE(line.sharesTerminal(file));
     std::fclose(file);
+}
+
+TEST(ProgressLineTest, LinesPrintedAndDrawnFromManyThreadsNeverRunIntoEachOther) {
+    PseudoTerminal pty;
+    ProgressLine line(pty.terminal);
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.emplace_back([&line, &pty, thread] {
+            const std::string output = "out" + std::to_string(thread) + ".mp4";
+            for (int i = 0; i < 20; ++i) {
+                line.show(
+                    {{"export", {{"output", output}, {"progress", i / 20.0}, {"frames", i}}}});
+                const std::string printed = "t" + std::to_string(thread) + "-" + std::to_string(i);
+                line.printAbove(
+                    [&pty, &printed] { printLine(pty.terminal, (printed + "\n").c_str()); });
+            }
+        });
+    }
+    for (auto& thread : threads)
+        thread.join();
+    line.close();
+    // Nothing but whole drawings of the line and whole printed lines, one after the other.
+    const QRegularExpression tokens(
+        QStringLiteral("^(?:\\r[^\\r\\n]*\\x1b\\[K|t\\d-\\d+\\r\\n)*$"));
+    const QString received = QString::fromUtf8(pty.received());
+    EXPECT_TRUE(tokens.match(received).hasMatch()) << received.toStdString();
+    // and a printed line never straight after a drawing that was not wiped.
+    EXPECT_FALSE(received.contains(QRegularExpression(QStringLiteral("[^\\r]\\x1b\\[Kt"))))
+        << received.toStdString();
+    EXPECT_EQ(received.count(QStringLiteral("\r\n")), 80);
 }
