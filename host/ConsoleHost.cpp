@@ -5,6 +5,7 @@
 #include "host/JsonLinesWriter.h"
 #include "host/ProgressLine.h"
 #include "host/SignalWatcher.h"
+#include "host/TerminalLogSink.h"
 #include "media/ExportService.h"
 #include "platform/foundation/Temporaries.h"
 #include "service/api/AbstractService.h"
@@ -21,6 +22,7 @@
 #include <condition_variable>
 #include <csignal>
 #include <cstdio>
+#include <glog/logging.h>
 #include <mutex>
 #include <unistd.h>
 
@@ -40,8 +42,16 @@ const QCommandLineOption& versionOption() {
     return option;
 }
 
+const QCommandLineOption& quietOption() {
+    static const QCommandLineOption option(
+        QStringList{"q", "quiet"},
+        QStringLiteral("Show only errors on stderr: no log of commands and no warnings of the "
+                       "media libraries."));
+    return option;
+}
+
 QList<QCommandLineOption> hostOptions() {
-    return QList<QCommandLineOption>{helpOption(), versionOption()}
+    return QList<QCommandLineOption>{helpOption(), versionOption(), quietOption()}
            + GlobalContextProvider::options() + TimeoutProxyService::options();
 }
 
@@ -64,6 +74,9 @@ public:
         , loader(loaders.front())
         , output(std::make_shared<JsonLinesWriter>(stdout, [this] { whenOutputClosed(); }))
         , progressLine(std::make_shared<ProgressLine>(stderr))
+        , terminalLog(progressLine->sharesTerminal(stderr)
+                          ? std::make_unique<TerminalLogSink>(progressLine, stderr)
+                          : nullptr)
         , signalWatcher([this](int signal) {
             stop(signal == SIGINT ? ExitStatus::Interrupted : ExitStatus::Terminated);
         }) {}
@@ -89,6 +102,8 @@ private:
     // stream and may still be delivering a value while the host shuts down.
     std::shared_ptr<JsonLinesWriter> output;
     std::shared_ptr<ProgressLine> progressLine;
+    // Only where the progress line is drawn: elsewhere glog writes to stderr itself.
+    std::unique_ptr<TerminalLogSink> terminalLog;
     SignalWatcher signalWatcher;
     rxcpp::composite_subscription running;
     // Set while a thread that ended the stream tears it down; the main thread waits for it.
@@ -145,6 +160,8 @@ int ConsoleHost::Private::exec() {
                        .arg(parser.unknownOptionNames().first()));
         return ExitStatus::Usage;
     }
+    if (parser.isSet(quietOption()))
+        FLAGS_minloglevel = google::GLOG_ERROR;
     if (!command) {
         printError(QStringLiteral("No service specified, try \"reelsmith --help\""));
         return ExitStatus::Usage;
@@ -167,10 +184,15 @@ int ConsoleHost::Private::runService(std::shared_ptr<AbstractService> service,
                                      const QStringList& arguments) {
     const auto values = service->run(arguments);
     service.reset();
+    const bool outputOnTheLinesTerminal = progressLine->sharesTerminal(stdout);
     values.subscribe(
         running,
-        [output = output, progressLine = progressLine](const nlohmann::json& value) {
-            output->write(value);
+        [output = output, progressLine = progressLine,
+         outputOnTheLinesTerminal](const nlohmann::json& value) {
+            if (outputOnTheLinesTerminal)
+                progressLine->printAbove([&] { output->write(value); });
+            else
+                output->write(value);
             progressLine->show(value);
         },
         [this](std::exception_ptr error) { finish(ExitStatus::Failure, error); },
@@ -185,7 +207,7 @@ int ConsoleHost::Private::runService(std::shared_ptr<AbstractService> service,
     provider.waitForWorkers();
     // The workers remove their temporary files as they end; whatever is left goes now.
     Velmor::Temporaries::removeAll();
-    progressLine->clear();
+    progressLine->close();
     if (!failure)
         return status;
     try {
@@ -249,6 +271,7 @@ void ConsoleHost::Private::whenOutputClosed() {
 // Runs on the timer's thread and ends the process there, whatever the main thread is doing.
 void ConsoleHost::Private::reportTimeout(int seconds, const QString& commandLine) {
     Velmor::Temporaries::removeAll();
+    progressLine->close();
     std::fflush(stdout);
     std::fprintf(stderr, "Command timed out after %d s: %s\n", seconds,
                  commandLine.toLocal8Bit().constData());

@@ -1,6 +1,9 @@
 #include "host/ProgressLine.h"
 
 #include <cmath>
+#include <map>
+#include <mutex>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -13,10 +16,44 @@ std::string timeLeft(double progress, double frames, double fps) {
     return std::to_string(std::lround(seconds)) + " s";
 }
 
+bool isTerminal(std::FILE* stream) {
+    return stream && ::isatty(::fileno(stream));
+}
+
 } // namespace
 
+class ProgressLine::Private {
+public:
+    explicit Private(std::FILE* terminal)
+        : terminal(isTerminal(terminal) ? terminal : nullptr) {}
+
+    // Puts `text` on the line in place of what stood there; an empty text wipes it.
+    void draw(const std::string& text) {
+        drawn = text;
+        std::fputs(("\r" + text + "\033[K").c_str(), terminal);
+        std::fflush(terminal);
+    }
+
+    std::string composed() const {
+        std::string line;
+        for (const auto& entry : exports)
+            line += (line.empty() ? "" : " | ") + entry.second;
+        return line;
+    }
+
+    std::mutex mutex;
+    std::FILE* const terminal;
+    // Each running export's part of the line, by output.
+    std::map<std::string, std::string> exports;
+    // What the line shows now; empty when it is wiped.
+    std::string drawn;
+    bool closed = false;
+};
+
 ProgressLine::ProgressLine(std::FILE* terminal)
-    : terminal(terminal && ::isatty(::fileno(terminal)) ? terminal : nullptr) {}
+    : d(std::make_unique<Private>(terminal)) {}
+
+ProgressLine::~ProgressLine() = default;
 
 std::string ProgressLine::describe(const nlohmann::json& progress) {
     const double share = progress.value("progress", 0.0);
@@ -28,33 +65,53 @@ std::string ProgressLine::describe(const nlohmann::json& progress) {
 }
 
 void ProgressLine::show(const nlohmann::json& value) {
-    if (!terminal || !value.is_object())
+    if (!d->terminal || !value.is_object())
         return;
     const auto found = value.find("export");
     if (found == value.end() || !found->is_object() || !found->contains("output"))
         return;
     const auto& state = *found;
     const std::string output = state.value("output", std::string());
-    std::lock_guard<std::mutex> lock(mutex);
+    std::lock_guard<std::mutex> lock(d->mutex);
+    if (d->closed)
+        return;
     if (state.contains("progress"))
-        exports[output] = describe(state);
+        d->exports[output] = describe(state);
     else
-        exports.erase(output);
-    std::string line = "\r";
-    for (const auto& entry : exports)
-        line += (line.size() > 1 ? " | " : "") + entry.second;
-    line += "\033[K";
-    drawn = true;
-    std::fputs(line.c_str(), terminal);
-    std::fflush(terminal);
+        d->exports.erase(output);
+    d->draw(d->composed());
 }
 
-void ProgressLine::clear() {
-    std::lock_guard<std::mutex> lock(mutex);
-    if (!drawn)
+void ProgressLine::printAbove(const std::function<void()>& print) {
+    if (!d->terminal) {
+        print();
         return;
-    drawn = false;
-    exports.clear();
-    std::fputs("\r\033[K", terminal);
-    std::fflush(terminal);
+    }
+    std::lock_guard<std::mutex> lock(d->mutex);
+    const std::string shown = d->drawn;
+    if (!shown.empty())
+        d->draw(std::string());
+    print();
+    if (!shown.empty())
+        d->draw(shown);
+}
+
+bool ProgressLine::sharesTerminal(std::FILE* stream) const {
+    if (!d->terminal || !isTerminal(stream))
+        return false;
+    struct stat line {};
+    struct stat other {};
+    if (::fstat(::fileno(d->terminal), &line) != 0 || ::fstat(::fileno(stream), &other) != 0)
+        return false;
+    return line.st_rdev == other.st_rdev;
+}
+
+void ProgressLine::close() {
+    if (!d->terminal)
+        return;
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->closed = true;
+    d->exports.clear();
+    if (!d->drawn.empty())
+        d->draw(std::string());
 }

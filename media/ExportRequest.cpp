@@ -1,6 +1,7 @@
 #include "media/ExportRequest.h"
 
 #include "service/api/Error.h"
+#include "service/presets/PresetsHelp.h"
 
 namespace EditorService {
 
@@ -35,6 +36,10 @@ QCommandLineOption ExportRequest::skipExistingOption() {
 QString ExportRequest::description() const {
     return QStringLiteral("Export a video file with a preset: progress values while it runs, "
                           "then one value {\"export\": {..., \"done\": true}}.");
+}
+
+QString ExportRequest::additionalHelp() const {
+    return presetsHelp();
 }
 
 void ExportRequest::validateOnLoad() const {

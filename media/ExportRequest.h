@@ -24,6 +24,8 @@ struct ExportRequest : DefaultRequestImpl<ExportRequest> {
     static QCommandLineOption skipExistingOption();
 
     QString description() const override;
+    // The presets, the default first, with their sizes and codecs.
+    QString additionalHelp() const override;
     // Throws Error "No media file specified, try --help for all available options", "No output
     // file specified, try --help for all available options", "--range must end after it starts,
     // is <start>:<end>" and "--overwrite and --skip-existing can not be given together".

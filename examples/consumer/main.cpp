@@ -1,5 +1,6 @@
-// Runs `consumer <script>`: each line "greet; <name>" of the script becomes {"greeting": ...}
-// on stdout, through the library's script service and a service of this program's own.
+// Runs `consumer <script>`: each line "greet; --name=<name>" of the script becomes
+// {"greeting": "Hello, <name>"} on stdout, through the library's script service and a service
+// of this program's own.
 #include "service/api/ServiceLoader.h"
 #include "service/launcher/CLILauncher.h"
 #include "service/requests/DefaultRequestImpl.h"

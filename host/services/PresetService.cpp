@@ -3,6 +3,7 @@
 #include "platform/export/PresetProvider.h"
 #include "platform/model/Video.h"
 #include "service/api/Error.h"
+#include "service/presets/PresetsHelp.h"
 
 namespace {
 
@@ -40,6 +41,10 @@ QCommandLineOption PresetRequest::projectSizeOption() {
 
 QString PresetRequest::description() const {
     return QStringLiteral("Emit the settings of an export preset with the given overrides");
+}
+
+QString PresetRequest::additionalHelp() const {
+    return EditorService::presetsHelp();
 }
 
 void PresetRequest::validateOnLoad() const {

@@ -18,6 +18,8 @@ struct PresetRequest : EditorService::DefaultRequestImpl<PresetRequest> {
     static QCommandLineOption projectSizeOption();
 
     QString description() const override;
+    // The presets, the default first, with their sizes and codecs.
+    QString additionalHelp() const override;
     // Throws Error "Project size must be given as width:height" for a project size given as
     // the original size (the empty text or "original"), which no project has.
     void validateOnLoad() const override;

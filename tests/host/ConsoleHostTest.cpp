@@ -39,10 +39,10 @@ TEST_F(ConsoleHostTest, HelpListsEveryServiceAndTheHostOptions) {
     const HostRun run = runHost({"--help"});
     EXPECT_EQ(run.exitCode, 0);
     for (const char* expected :
-         {"\n  echo ", "\n  fail ", "\n  noop ", "\n  preset ", "\n  presets ", "\n  runtime ",
-          "\n  script ", "\n  shard ", "\n  tick ", "--timeout, -t <seconds>", "--hot-start",
-          "--render-jobs, --rj <N>", "--disable-plugin <plugin name>",
-          "--cache-ttl <time in msec>"})
+         {"\n  echo ", "\n  export ", "\n  fail ", "\n  noop ", "\n  preset ", "\n  presets ",
+          "\n  runtime ", "\n  script ", "\n  shard ", "\n  probe ", "\n  thumbnail ", "\n  tick ",
+          "--timeout, -t <seconds>", "--hot-start", "--render-jobs, --rj <N>", "-v, --version",
+          "-q, --quiet", "--disable-plugin <plugin name>", "--cache-ttl <time in msec>"})
         EXPECT_TRUE(run.output.contains(expected)) << expected;
     EXPECT_TRUE(QString::fromUtf8(run.output)
                     .contains(QRegularExpression(
@@ -113,6 +113,24 @@ TEST_F(ConsoleHostTest, ServiceHelpPrintsThatServicesOptions) {
     EXPECT_TRUE(run.output.contains("Execute commands from script"));
     EXPECT_TRUE(run.output.contains("--jobs, -j <N>"));
     EXPECT_EQ(run.errors, "");
+}
+
+TEST_F(ConsoleHostTest, ExportAndPresetHelpListEveryPresetTheDefaultFirst) {
+    for (const char* service : {"export", "preset"}) {
+        const HostRun run = runHost({service, "--help"});
+        EXPECT_EQ(run.exitCode, 0) << service;
+        int previous = -1;
+        for (const char* preset :
+             {"\n  mp4 (default)  the video's size  CODEC_ID_H264 CODEC_ID_HEVC\n", "\n  2160p ",
+              "\n  1440p ", "\n  1080p ", "\n  720p ", "\n  480p ", "\n  360p "}) {
+            const int at = run.output.indexOf(preset);
+            EXPECT_GT(at, previous) << service << ": " << preset << "\n"
+                                    << run.output.toStdString();
+            previous = at;
+        }
+        EXPECT_TRUE(run.output.endsWith("CODEC_ID_H264 CODEC_ID_HEVC\n")) << service;
+        EXPECT_EQ(run.errors, "") << service;
+    }
 }
 
 TEST_F(ConsoleHostTest, FailingStreamExitsWithFailureAndTheErrorsOwnText) {

@@ -5,24 +5,22 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <algorithm>
-#include <atomic>
 #include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <poll.h>
-#include <pty.h>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 using EditorService::Testing::HostRun;
 using EditorService::Testing::mediaFixture;
 using EditorService::Testing::QuietHostSanitizer;
 using EditorService::Testing::runHost;
+using EditorService::Testing::runHostOnATerminal;
 using EditorService::Testing::signalHostWhen;
 using EditorService::Testing::startHost;
+using EditorService::Testing::TerminalRun;
 
 namespace {
 
@@ -82,57 +80,6 @@ QByteArray errorsBesidesTheLog(const QByteArray& errors) {
             kept += line + '\n';
     }
     return kept;
-}
-
-// One run of the host whose stderr is a pseudo-terminal and whose stdout is a pipe.
-struct TerminalRun {
-    int exitCode = -1;
-    QByteArray output;
-    QByteArray terminal;
-};
-
-TerminalRun runHostOnATerminal(const QStringList& arguments) {
-    TerminalRun run;
-    int master = -1;
-    int slave = -1;
-    if (::openpty(&master, &slave, nullptr, nullptr, nullptr) != 0) {
-        ADD_FAILURE() << "openpty failed";
-        return run;
-    }
-    const QString slaveName = QString::fromLocal8Bit(::ttyname(slave));
-    // The terminal is read while the host runs, so that a full buffer never holds it up; once
-    // the host has ended, what it wrote is all there to be read.
-    std::atomic<bool> ended{false};
-    std::thread reader([&] {
-        char buffer[4096];
-        for (;;) {
-            pollfd readable{master, POLLIN, 0};
-            const int ready = ::poll(&readable, 1, 100);
-            if (ready == 0 && ended)
-                break;
-            if (ready <= 0)
-                continue;
-            const ssize_t read = ::read(master, buffer, sizeof buffer);
-            if (read <= 0)
-                break;
-            run.terminal.append(buffer, int(read));
-        }
-    });
-    QProcess process;
-    process.setStandardErrorFile(slaveName);
-    startHost(process, arguments);
-    ::close(slave);
-    process.closeWriteChannel();
-    if (process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit)
-        run.exitCode = process.exitCode();
-    else
-        process.kill();
-    process.waitForFinished();
-    run.output = process.readAllStandardOutput();
-    ended = true;
-    reader.join();
-    ::close(master);
-    return run;
 }
 
 class ExportTest : public testing::Test {

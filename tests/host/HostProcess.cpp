@@ -1,7 +1,13 @@
 #include "tests/host/HostProcess.h"
 
+#include <QFile>
+#include <atomic>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
+#include <thread>
+#include <unistd.h>
 
 namespace EditorService::Testing {
 
@@ -32,6 +38,60 @@ HostRun runHost(const QStringList& arguments, const QString& workingDirectory) {
     run.output = process.readAllStandardOutput();
     run.errors = process.readAllStandardError();
     return run;
+}
+
+TerminalRun runHostOnATerminal(const QStringList& arguments, OutputOn output) {
+    TerminalRun run;
+    int master = -1;
+    int slave = -1;
+    if (::openpty(&master, &slave, nullptr, nullptr, nullptr) != 0) {
+        ADD_FAILURE() << "openpty failed";
+        return run;
+    }
+    const QString slaveName = QString::fromLocal8Bit(::ttyname(slave));
+    // The terminal is read while the host runs, so that a full buffer never holds it up; once
+    // the host has ended, what it wrote is all there to be read.
+    std::atomic<bool> ended{false};
+    std::thread reader([&] {
+        char buffer[4096];
+        for (;;) {
+            pollfd readable{master, POLLIN, 0};
+            const int ready = ::poll(&readable, 1, 100);
+            if (ready == 0 && ended)
+                break;
+            if (ready <= 0)
+                continue;
+            const ssize_t read = ::read(master, buffer, sizeof buffer);
+            if (read <= 0)
+                break;
+            run.terminal.append(buffer, int(read));
+        }
+    });
+    QProcess process;
+    process.setStandardErrorFile(slaveName);
+    if (output == OutputOn::Terminal)
+        process.setStandardOutputFile(slaveName);
+    startHost(process, arguments);
+    ::close(slave);
+    process.closeWriteChannel();
+    if (process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit)
+        run.exitCode = process.exitCode();
+    else
+        process.kill();
+    process.waitForFinished();
+    if (output == OutputOn::Pipe)
+        run.output = process.readAllStandardOutput();
+    ended = true;
+    reader.join();
+    ::close(master);
+    return run;
+}
+
+QString writeFile(const QString& path, const QByteArray& content) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+    file.write(content);
+    return path;
 }
 
 void startHost(QProcess& process, const QStringList& arguments) {

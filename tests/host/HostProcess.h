@@ -20,6 +20,23 @@ struct HostRun {
 // Runs the built host with the arguments, in the given working directory, and waits for it.
 HostRun runHost(const QStringList& arguments, const QString& workingDirectory = {});
 
+// One run of the host with stderr on a pseudo-terminal, and stdout either on the same terminal
+// or on a pipe.
+struct TerminalRun {
+    int exitCode = -1;
+    // stdout, when it was a pipe.
+    QByteArray output;
+    // Every byte the terminal received, as the terminal's line discipline passed them on.
+    QByteArray terminal;
+};
+
+enum class OutputOn { Pipe, Terminal };
+
+TerminalRun runHostOnATerminal(const QStringList& arguments, OutputOn output = OutputOn::Pipe);
+
+// Writes a file for the host to read, such as a script, and gives its path back.
+QString writeFile(const QString& path, const QByteArray& content);
+
 // Starts the host and leaves it running, for tests that signal it or close its output.
 void startHost(QProcess& process, const QStringList& arguments);
 

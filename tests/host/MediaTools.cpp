@@ -42,13 +42,17 @@ double psnr(const QByteArray& a, const QByteArray& b) {
     return 10 * std::log10(255.0 * 255.0 / (squares / a.size()));
 }
 
-QList<QByteArray> errorLinesBesidesTheLog(const QByteArray& errors) {
+bool isLogLine(const QByteArray& line) {
     // glog's prefix: severity, date, time, thread, file:line].
     static const QRegularExpression logLine(
         QStringLiteral("^[IWEF]\\d{8} \\d\\d:\\d\\d:\\d\\d\\.\\d+ +\\d+ [^ ]+:\\d+\\] "));
+    return logLine.match(QString::fromUtf8(line)).hasMatch();
+}
+
+QList<QByteArray> errorLinesBesidesTheLog(const QByteArray& errors) {
     QList<QByteArray> lines;
     for (const QByteArray& line : errors.split('\n')) {
-        if (!line.isEmpty() && !logLine.match(QString::fromUtf8(line)).hasMatch())
+        if (!line.isEmpty() && !isLogLine(line))
             lines.append(line);
     }
     return lines;

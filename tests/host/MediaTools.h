@@ -26,7 +26,11 @@ QByteArray rgbPixels(const QString& picture);
 // equal; negative when their sizes differ.
 double psnr(const QByteArray& a, const QByteArray& b);
 
-// stderr without glog's lines (the command log, the media libraries' own warnings).
+// Whether a line of stderr is one of glog's: the command log, the media libraries' own warnings
+// and errors.
+bool isLogLine(const QByteArray& line);
+
+// stderr without glog's lines.
 QList<QByteArray> errorLinesBesidesTheLog(const QByteArray& errors);
 
 } // namespace EditorService::Testing

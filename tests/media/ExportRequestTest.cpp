@@ -1,6 +1,8 @@
 #include "media/ExportRequest.h"
 
 #include "service/api/Error.h"
+#include "service/api/HelpException.h"
+#include "service/presets/PresetsHelp.h"
 #include "tests/support/FailedWith.h"
 
 #include <gmock/gmock.h>
@@ -105,4 +107,15 @@ TEST(ExportRequestTest, ARangeThatIsNoRangeFailsWithTheFormsWords) {
 TEST(ExportRequestTest, OverwriteAndSkipExistingTogetherFail) {
     EXPECT_THAT(loadError({"in.mp4", "--output=out.mp4", "--overwrite", "--skip-existing"}),
                 FailedWith<Error>("--overwrite and --skip-existing can not be given together"));
+}
+
+TEST(ExportRequestTest, HelpEndsWithThePresetsTheDefaultFirst) {
+    EXPECT_EQ(ExportRequest().additionalHelp(), EditorService::presetsHelp());
+    try {
+        fromCli({"--help"});
+        FAIL() << "no help";
+    } catch (const EditorService::CLI::HelpException& help) {
+        EXPECT_TRUE(QString::fromUtf8(help.what()).endsWith("\n" + EditorService::presetsHelp()))
+            << help.what();
+    }
 }

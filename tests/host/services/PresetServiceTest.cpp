@@ -1,6 +1,8 @@
 #include "host/services/PresetService.h"
 
 #include "service/api/Error.h"
+#include "service/api/HelpException.h"
+#include "service/presets/PresetsHelp.h"
 #include "tests/support/Collect.h"
 #include "tests/support/FailedWith.h"
 
@@ -77,8 +79,34 @@ TEST(PresetServiceTest, UnknownPresetFailsWithTheAvailableOnes) {
 }
 
 TEST(PresetServiceTest, CodecThePresetLacksFails) {
-    EXPECT_THAT(runPreset({"--preset=360p", "--preset-video-codec=CODEC_ID_HEVC"})->error,
-                FailedWith<Error>("Unexpected video codec for preset: CODEC_ID_HEVC"));
+    EXPECT_THAT(runPreset({"--preset=360p", "--preset-video-codec=CODEC_ID_VP9"})->error,
+                FailedWith<Error>("Unexpected video codec for preset: CODEC_ID_VP9"));
+}
+
+TEST(PresetServiceTest, EveryPresetWritesHevcAsWellAsH264) {
+    for (const char* preset : {"mp4", "2160p", "1440p", "1080p", "720p", "480p", "360p"}) {
+        for (const char* codec : {"CODEC_ID_H264", "CODEC_ID_HEVC"}) {
+            const auto collected =
+                runPreset({QStringLiteral("--preset=%1").arg(preset),
+                           QStringLiteral("--preset-video-codec=%1").arg(codec)});
+            ASSERT_EQ(collected->values.size(), 1u)
+                << preset << " " << codec << ": " << failureText(collected->error);
+            EXPECT_EQ(collected->values.front().at("videoCodec"), codec) << preset;
+        }
+    }
+}
+
+TEST(PresetServiceTest, HelpEndsWithThePresetsTheDefaultFirst) {
+    const auto collected = runPreset({"--help"});
+    try {
+        std::rethrow_exception(collected->error);
+    } catch (const EditorService::CLI::HelpException& help) {
+        EXPECT_TRUE(QString::fromUtf8(help.what()).endsWith("\n" + EditorService::presetsHelp()))
+            << help.what();
+        return;
+    } catch (...) {
+    }
+    FAIL() << "no help: " << failureText(collected->error);
 }
 
 TEST(PresetServiceTest, ProjectSizeMustBeTwoNumbers) {

@@ -191,10 +191,10 @@ TEST_F(PresetContextMakeProviderTest, CodecOfThePresetIsSelected) {
 TEST_F(PresetContextMakeProviderTest, CodecFailureGivesTheWorkingCopyBackBeforeRelease) {
     PresetContext context;
     context.preset = QStringLiteral("720p");
-    context.videoCodec = QStringLiteral("CODEC_ID_HEVC");
+    context.videoCodec = QStringLiteral("CODEC_ID_VP9");
     const Media::Video video{1920, 1080};
     EXPECT_THAT(failure(context, &video),
-                FailedWith<Error>("Unexpected video codec for preset: CODEC_ID_HEVC"));
+                FailedWith<Error>("Unexpected video codec for preset: CODEC_ID_VP9"));
     const auto entries = CallLog::entries();
     EXPECT_EQ(count(entries, updatePreset), 1);
     EXPECT_EQ(count(entries, updateResolution), 1);
