@@ -114,8 +114,14 @@ public:
                       const EncoderNames& encoders);
 };
 
-// The output appears complete or not at all: written beside it, renamed into place when done,
-// removed on any other end.
+// The output appears complete or not at all: written beside it under this name, renamed into
+// place when done, removed on any other end.
+namespace {
+std::string temporaryFor(const std::string& output) {
+    return output + ".reelsmith-partial-" + std::to_string(::getpid());
+}
+} // namespace
+
 ExportResult Exporter::Private::throughTemporary(const std::function<ExportResult()>& write) {
     // Fails for a directory that is missing or not writable, before anything is decoded.
     std::FILE* file = std::fopen(temporary.c_str(), "wb");
@@ -186,7 +192,7 @@ ExportResult Exporter::Private::wire(Render::Runner& runner, const Progress& pro
 Exporter::Exporter(ExportSettings settings)
     : d(std::make_unique<Private>()) {
     d->settings = std::move(settings);
-    d->temporary = d->settings.output + ".reelsmith-partial-" + std::to_string(::getpid());
+    d->temporary = temporaryFor(d->settings.output);
 }
 
 Exporter::~Exporter() {
