@@ -9,10 +9,10 @@
 #include "platform/av/Samples.h"
 #include "platform/render/AudioSpan.h"
 #include "platform/render/Cancelled.h"
+#include "platform/render/ReadyFrames.h"
 #include "platform/render/SharedDemuxer.h"
 #include "platform/render/Stop.h"
 
-#include <deque>
 #include <limits>
 
 namespace Velmor::Render {
@@ -50,11 +50,10 @@ public:
     const AudioSpan span;
     AV::Packet packet;
     AV::Frame decoded;
-    // Cut blocks not yet handed out, and the output time of the next one.
-    std::deque<AV::Frame> ready;
+    // Cut blocks not yet handed out; ended past the span, or drained at the end of the file.
+    ReadyFrames ready;
+    // The output time of the next block.
     std::int64_t nextTime = AV::noTimestamp;
-    // Past the span, or drained at the end of the file.
-    bool ended = false;
 
     void keep(const AV::Frame& block) {
         const AudioSpan::Cut cut = span.cut(block.timestamp(), block.samples());
@@ -71,11 +70,11 @@ public:
             nextTime = cut.time;
         kept.setTimestamp(nextTime);
         nextTime += cut.keep;
-        ready.push_back(std::move(kept));
+        ready.add(std::move(kept));
     }
 
     void end() {
-        ended = true;
+        ready.end();
         packets.finish(decoder->streamIndex());
     }
 
@@ -85,14 +84,14 @@ public:
             throw Cancelled();
         auto take = [this](AV::Frame& samples) {
             keep(resampler.convert(samples, timeBase));
-            return !ended;
+            return !ready.hasEnded();
         };
         if (packets.next(decoder->streamIndex(), packet)) {
             AV::pump(*decoder, &packet, decoded, take);
             return;
         }
         AV::pump(*decoder, static_cast<const AV::Packet*>(nullptr), decoded, take);
-        if (!ended)
+        if (!ready.hasEnded())
             keep(resampler.drain());
         end();
     }
@@ -111,13 +110,7 @@ AudioFormat ClipAudio::format() const {
 }
 
 bool ClipAudio::next(AV::Frame& frame) {
-    while (d->ready.empty() && !d->ended)
-        d->feed();
-    if (d->ready.empty())
-        return false;
-    frame = std::move(d->ready.front());
-    d->ready.pop_front();
-    return true;
+    return d->ready.next(frame, [this] { d->feed(); });
 }
 
 void ClipAudio::finish() {

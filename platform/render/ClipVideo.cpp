@@ -7,11 +7,11 @@
 #include "platform/av/Packet.h"
 #include "platform/av/Pump.h"
 #include "platform/render/Cancelled.h"
+#include "platform/render/ReadyFrames.h"
 #include "platform/render/SharedDemuxer.h"
 #include "platform/render/Stop.h"
 #include "platform/render/VideoSpan.h"
 
-#include <deque>
 #include <utility>
 
 namespace Velmor::Render {
@@ -50,10 +50,9 @@ public:
     VideoFormat format;
     AV::Packet packet;
     AV::Frame decoded;
-    // Pictures of the span decoded and not yet handed out.
-    std::deque<AV::Frame> ready;
-    // Past the span, or drained at the end of the file.
-    bool ended = false;
+    // Pictures of the span decoded and not yet handed out; ended past the span, or drained at
+    // the end of the file.
+    ReadyFrames ready;
 
     bool take(AV::Frame& picture) {
         std::int64_t time = picture.timestamp();
@@ -67,12 +66,12 @@ public:
             break;
         }
         picture.setTimestamp(time);
-        ready.push_back(std::exchange(picture, AV::Frame()));
+        ready.add(std::exchange(picture, AV::Frame()));
         return true;
     }
 
     void end() {
-        ended = true;
+        ready.end();
         packets.finish(stream);
     }
 
@@ -93,9 +92,9 @@ public:
 ClipVideo::ClipVideo(const AV::Demuxer& demuxer, SharedDemuxer& packets, int stream,
                      std::int64_t begin, std::int64_t end, const Stop& stop)
     : d(std::make_unique<Private>(demuxer, packets, stream, begin, end, stop)) {
-    while (d->ready.empty() && !d->ended)
+    while (d->ready.isEmpty() && !d->ready.hasEnded())
         d->feed();
-    if (d->ready.empty())
+    if (d->ready.isEmpty())
         throw AV::MediaError("Can not export " + demuxer.path() + ": no video frame in the range");
     d->format.pixelFormat = d->ready.front().format();
 }
@@ -107,13 +106,7 @@ VideoFormat ClipVideo::format() const {
 }
 
 bool ClipVideo::next(AV::Frame& frame) {
-    while (d->ready.empty() && !d->ended)
-        d->feed();
-    if (d->ready.empty())
-        return false;
-    frame = std::move(d->ready.front());
-    d->ready.pop_front();
-    return true;
+    return d->ready.next(frame, [this] { d->feed(); });
 }
 
 void ClipVideo::finish() {
