@@ -4,10 +4,10 @@
 #include "platform/render/ResizedVideo.h"
 #include "platform/render/Runner.h"
 #include "platform/render/Writer.h"
+#include "tests/platform/render/Ffprobe.h"
 #include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,6 +17,7 @@
 // encoded each on a thread of its own, the sound on another, one demuxer and one muxer shared.
 
 using EditorService::Testing::FailedWith;
+using EditorService::Testing::ffprobe;
 using EditorService::Testing::mediaFixture;
 using namespace Velmor::Render;
 
@@ -60,14 +61,6 @@ public:
     Writer writer;
 };
 
-nlohmann::json probe(const std::string& path) {
-    QProcess process;
-    process.start("ffprobe", {"-v", "error", "-show_streams", "-count_packets", "-of", "json",
-                              QString::fromStdString(path)});
-    EXPECT_TRUE(process.waitForFinished(60000));
-    return nlohmann::json::parse(process.readAllStandardOutput().toStdString());
-}
-
 } // namespace
 
 TEST(PipelineTest, AClipRenderedOnTheRunnersThreadsIsWrittenWhole) {
@@ -77,7 +70,7 @@ TEST(PipelineTest, AClipRenderedOnTheRunnersThreadsIsWrittenWhole) {
     pipeline.runner.run();
     const WriterResult result = pipeline.writer.finish();
     EXPECT_EQ(result.streams.at(0).packets, 50);
-    const nlohmann::json probed = probe(output);
+    const nlohmann::json probed = ffprobe(output);
     ASSERT_EQ(probed["streams"].size(), 2u);
     EXPECT_EQ(probed["streams"][0]["width"], 160);
     EXPECT_EQ(probed["streams"][0]["nb_read_packets"], "50");

@@ -4,10 +4,10 @@
 #include "platform/av/MediaError.h"
 #include "platform/av/Picture.h"
 #include "platform/render/FrameSink.h"
+#include "tests/platform/render/Ffprobe.h"
 #include "tests/support/FailedWith.h"
 
 #include <QFileInfo>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,6 +20,7 @@ extern "C" {
 }
 
 using EditorService::Testing::FailedWith;
+using EditorService::Testing::ffprobe;
 using Velmor::AV::Frame;
 using Velmor::AV::MediaError;
 using Velmor::AV::pixelFormat;
@@ -32,15 +33,6 @@ using Velmor::Render::Writer;
 using Velmor::Render::WriterResult;
 
 namespace {
-
-// What ffprobe, a reader independent of ours, reads of a file.
-nlohmann::json probe(const std::string& path) {
-    QProcess process;
-    process.start("ffprobe", {"-v", "error", "-show_streams", "-count_packets", "-of", "json",
-                              QString::fromStdString(path)});
-    EXPECT_TRUE(process.waitForFinished(60000));
-    return nlohmann::json::parse(process.readAllStandardOutput().toStdString());
-}
 
 const VideoFormat pictures{64, 48, pixelFormat("yuv420p"), {25, 1}, {1, 25}};
 const VideoEncoding x264{"libx264", Velmor::AV::RateControl::Quality, 0};
@@ -89,7 +81,7 @@ TEST_F(WriterTest, StreamsWrittenOneAfterTheOtherOnOneThreadMakeAFileInTheOrderT
     writeSound(audio, 100);
     const WriterResult result = writer.finish();
 
-    const nlohmann::json probed = probe(output());
+    const nlohmann::json probed = ffprobe(output());
     ASSERT_EQ(probed["streams"].size(), 2u);
     EXPECT_EQ(probed["streams"][0]["codec_name"], "h264");
     EXPECT_EQ(probed["streams"][0]["nb_read_packets"], "25");
@@ -116,7 +108,7 @@ TEST_F(WriterTest, TheVideoEncoderOpensFromItsFirstPicturesSize) {
     writePictures(writer.addVideo(pictures, x264), 5, 96, 64);
     const WriterResult result = writer.finish();
     EXPECT_EQ(result.streams[0].width, 96);
-    const nlohmann::json probed = probe(output());
+    const nlohmann::json probed = ffprobe(output());
     EXPECT_EQ(probed["streams"][0]["width"], 96);
     EXPECT_EQ(probed["streams"][0]["height"], 64);
 }
@@ -129,12 +121,8 @@ TEST_F(WriterTest, SoundThatStartsLaterKeepsItsOffsetAndIsReChunkedForTheEncoder
     // 480 samples (10 ms) after the first picture.
     writeSound(audio, 100, 480);
     writer.finish();
-    QProcess process;
-    process.start("ffprobe", {"-v", "error", "-select_streams", "a", "-show_entries", "packet=pts",
-                              "-of", "json", QString::fromStdString(output())});
-    ASSERT_TRUE(process.waitForFinished(60000));
     const nlohmann::json packets =
-        nlohmann::json::parse(process.readAllStandardOutput().toStdString())["packets"];
+        ffprobe(output(), {"-select_streams", "a", "-show_entries", "packet=pts"})["packets"];
     // 48000 samples in 47 frames of 1024 (the last one short), after the encoder's priming
     // frame of 1024 samples before the first.
     ASSERT_EQ(packets.size(), 48u);
