@@ -53,8 +53,8 @@ struct ExportResult {
     std::optional<Audio> audio;
 };
 
-// One export: demuxing, decoding, resizing, encoding and muxing, each stage on a thread of its
-// own joined by bounded queues, so that memory stays flat whatever the input's length.
+// One export: the pictures decoded, resized and encoded each on a thread of its own, the sound
+// on another, joined by bounded queues, so that memory stays flat whatever the input's length.
 //
 // It writes a temporary file beside the output, named "<output>.reelsmith-partial-<pid>", and
 // renames it into place only when the output is complete: there is never a partial file at the
