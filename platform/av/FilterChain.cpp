@@ -40,12 +40,11 @@ public:
     std::int64_t nextTimestamp = 0;
 
     void addSource() {
-        const std::string arguments = "video_size=" + std::to_string(size.width) + "x"
-                                      + std::to_string(size.height) + ":pix_fmt="
-                                      + std::to_string(pixelFormat)
-                                      + ":time_base=1/1:pixel_aspect=1/1";
-        check(avfilter_graph_create_filter(&source, &filterNamed("buffer"), "in",
-                                           arguments.c_str(), nullptr, graph.get()),
+        const std::string arguments =
+            "video_size=" + std::to_string(size.width) + "x" + std::to_string(size.height)
+            + ":pix_fmt=" + std::to_string(pixelFormat) + ":time_base=1/1:pixel_aspect=1/1";
+        check(avfilter_graph_create_filter(&source, &filterNamed("buffer"), "in", arguments.c_str(),
+                                           nullptr, graph.get()),
               "Can not set up the filter buffer");
     }
 
@@ -54,9 +53,9 @@ public:
                                            nullptr, graph.get()),
               "Can not set up the filter buffersink");
         const int formats[] = {outputPixelFormat, AV_PIX_FMT_NONE};
-        check(av_opt_set_int_list(sink, "pix_fmts", formats, AV_PIX_FMT_NONE,
-                                  AV_OPT_SEARCH_CHILDREN),
-              "Can not set up the filter buffersink");
+        check(
+            av_opt_set_int_list(sink, "pix_fmts", formats, AV_PIX_FMT_NONE, AV_OPT_SEARCH_CHILDREN),
+            "Can not set up the filter buffersink");
     }
 
     AVFilterContext* addFilter(const FilterSpec& spec) {

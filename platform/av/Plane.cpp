@@ -17,10 +17,10 @@ const AVPixFmtDescriptor& byteFormat(const Frame& picture) {
     if (!descriptor)
         throw std::invalid_argument("No pixel format with the number "
                                     + std::to_string(picture.format()));
-    const bool byteSamples = descriptor->comp[0].depth == 8
-                             && !(descriptor->flags
-                                  & (AV_PIX_FMT_FLAG_HWACCEL | AV_PIX_FMT_FLAG_BITSTREAM
-                                     | AV_PIX_FMT_FLAG_PAL));
+    const bool byteSamples =
+        descriptor->comp[0].depth == 8
+        && !(descriptor->flags
+             & (AV_PIX_FMT_FLAG_HWACCEL | AV_PIX_FMT_FLAG_BITSTREAM | AV_PIX_FMT_FLAG_PAL));
     if (!byteSamples)
         throw std::invalid_argument("Can not paint the pixels of a " + std::string(descriptor->name)
                                     + " picture by hand");

@@ -52,8 +52,11 @@ TEST(FilterChainTest, DrawtextTakesItsTextUnescaped) {
 }
 
 TEST(FilterChainTest, AnUnknownFilterIsNamed) {
-    EXPECT_THAT([] { FilterChain(Size{8, 8}, AV_PIX_FMT_RGB24, {{"nosuch", {}}}, AV_PIX_FMT_RGB24); },
-                FailedWith<MediaError>("Can not set up the filter nosuch: Filter not found"));
+    EXPECT_THAT(
+        [] {
+            FilterChain(Size{8, 8}, AV_PIX_FMT_RGB24, {{"nosuch", {}}}, AV_PIX_FMT_RGB24);
+        },
+        FailedWith<MediaError>("Can not set up the filter nosuch: Filter not found"));
 }
 
 TEST(FilterChainTest, AnUnknownOptionIsNamed) {
