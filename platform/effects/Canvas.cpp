@@ -43,6 +43,22 @@ void fill(Velmor::AV::Frame& picture, YuvColour colour) {
     }
 }
 
+void fillRect(Velmor::AV::Frame& picture, const Velmor::AV::Rect& rect, YuvColour colour) {
+    if (rect.isEmpty())
+        return;
+    const std::uint8_t values[3] = {colour.y, colour.u, colour.v};
+    for (int index = 0; index < 3; ++index) {
+        const Velmor::AV::Plane plane = Velmor::AV::planeOf(picture, index);
+        const int shift = index == 0 ? 0 : 1;
+        const int left = std::max(0, rect.x >> shift);
+        const int top = std::max(0, rect.y >> shift);
+        const int right = std::min(plane.width, (rect.x + rect.width + shift) >> shift);
+        const int bottom = std::min(plane.height, (rect.y + rect.height + shift) >> shift);
+        for (int y = top; y < bottom; ++y)
+            std::fill(plane.row(y) + left, plane.row(y) + std::max(left, right), values[index]);
+    }
+}
+
 void requireComposing(const char* what, std::initializer_list<const Velmor::AV::Frame*> pictures) {
     const Velmor::AV::Frame& first = **pictures.begin();
     for (const Velmor::AV::Frame* picture : pictures) {

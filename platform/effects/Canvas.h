@@ -15,6 +15,9 @@ int overlayFormat();
 Velmor::AV::Frame canvas(Velmor::AV::Size size, YuvColour colour);
 // Paints every pixel of a composing picture the colour.
 void fill(Velmor::AV::Frame& picture, YuvColour colour);
+// Paints a rectangle of a composing picture the colour; its chroma covers the rectangle's
+// pixels, so a rectangle at odd pixels also colours the chroma its neighbours share.
+void fillRect(Velmor::AV::Frame& picture, const Velmor::AV::Rect& rect, YuvColour colour);
 
 // Throws std::invalid_argument "<what> needs yuv420p pictures of one size, not <description>"
 // unless every picture is a composing picture of the first one's size.
