@@ -1,5 +1,7 @@
 #include "host/services/ContentService.h"
 
+#include "host/services/ListedValues.h"
+
 #include "platform/content/OverlayContentProvider.h"
 #include "platform/content/PanAndZoomContentProvider.h"
 #include "platform/content/ThemeContentProvider.h"
@@ -62,26 +64,6 @@ Values itemsOf(const QString& kind) {
     return themes();
 }
 
-rxcpp::observable<nlohmann::json> listed(const QString& kind) {
-    return rxcpp::observable<>::create<nlohmann::json>(
-               [kind](rxcpp::subscriber<nlohmann::json> subscriber) {
-                   Values values;
-                   try {
-                       values = itemsOf(kind);
-                   } catch (...) {
-                       subscriber.on_error(std::current_exception());
-                       return;
-                   }
-                   for (const auto& value : values) {
-                       if (!subscriber.is_subscribed())
-                           return;
-                       subscriber.on_next(value);
-                   }
-                   subscriber.on_completed();
-               })
-        .as_dynamic();
-}
-
 } // namespace
 
 QString ContentService::serviceId() {
@@ -90,6 +72,10 @@ QString ContentService::serviceId() {
 
 rxcpp::observable<nlohmann::json>
 ContentService::run(const rxcpp::observable<ContentRequest>& requests) {
-    return requests.flat_map([](const ContentRequest& request) { return listed(request.kind); })
+    return requests
+        .flat_map([](const ContentRequest& request) {
+            const QString kind = request.kind;
+            return listedValues([kind] { return itemsOf(kind); });
+        })
         .as_dynamic();
 }
