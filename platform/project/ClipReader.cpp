@@ -73,6 +73,9 @@ void readMediaClip(const JsonNode& node, const QDir& folder, VideoClip& clip) {
         clip.volumeDb = level->isNull() ? std::nullopt : std::optional<double>(volume(*level));
     if (const auto panZoom = node.find("pan_zoom"))
         clip.panZoom = readPanZoom(*panZoom);
+    if (clip.panZoom && node.has("fit"))
+        node.at("fit").fail(
+            "a clip with pan_zoom fills the frame with its rectangle; leave fit out");
 }
 
 } // namespace

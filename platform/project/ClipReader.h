@@ -16,6 +16,8 @@ namespace Project {
 //     "<project>: <place>: an overlay needs \"text\" or \"source\""
 //     "<project>: <place>: an overlay has \"text\" or \"source\", not both"
 //     "<project>: <place>: [x, y, w, h] leaves the picture; x + w and y + h are at most 1"
+//     "<project>: <clip>.fit: a clip with pan_zoom fills the frame with its rectangle; leave
+//      fit out"
 VideoClip readVideoClip(const JsonNode& node, const QDir& folder);
 OverlayClip readOverlayClip(const JsonNode& node, const QDir& folder);
 AudioClip readAudioClip(const JsonNode& node, const QDir& folder);

@@ -75,6 +75,16 @@ TEST(ClipReaderTest, ARectangleStaysInThePicture) {
                                          "available: linear, ease-in, ease-out, ease-in-out"));
 }
 
+TEST(ClipReaderTest, PanAndZoomFillsTheFrameWithoutAFitMode) {
+    EXPECT_THAT(
+        [] {
+            readVideoClip(parsed(R"({"source": "a.jpg", "fit": "Fit", "pan_zoom": {}})").node(),
+                          QDir("/p"));
+        },
+        FailedWith<ProjectError>("p.json: clip.fit: a clip with pan_zoom fills the frame with its "
+                                 "rectangle; leave fit out"));
+}
+
 TEST(ClipReaderTest, ATransitionLastsASecondByDefault) {
     const TransitionSpec transition = readTransition(parsed(R"({"type": "circle-open"})").node());
     EXPECT_EQ(transition.durationMs, 1000);
