@@ -18,9 +18,9 @@ constexpr const char* versionKey = "reelsmith_project";
 }
 
 // nlohmann names the byte of a failure; people look for a line and a column.
-[[noreturn]] void failParse(const std::string& project, const std::string& bytes,
-                            const nlohmann::json::parse_error& error) {
-    const std::size_t end = std::min<std::size_t>(error.byte, bytes.size() + 1);
+[[noreturn]] void failParse(const std::string& project, const std::string& bytes, std::size_t byte,
+                            std::string reason) {
+    const std::size_t end = std::min<std::size_t>(std::max<std::size_t>(byte, 1), bytes.size() + 1);
     std::size_t line = 1;
     std::size_t lineStart = 0;
     for (std::size_t index = 0; index + 1 < end; ++index) {
@@ -30,14 +30,35 @@ constexpr const char* versionKey = "reelsmith_project";
         }
     }
     const std::size_t column = end > lineStart ? end - lineStart : 1;
-    std::string reason = error.what();
-    const std::size_t colon = reason.find(": ", reason.find("parse error"));
-    if (colon != std::string::npos)
-        reason = reason.substr(colon + 2);
     // What nlohmann echoes of the input may be no UTF-8; messages are.
     reason = QString::fromUtf8(reason.data(), static_cast<int>(reason.size())).toStdString();
     failProject(project, "invalid JSON at line " + std::to_string(line) + ", column "
                              + std::to_string(column) + ": " + reason);
+}
+
+// The text after nlohmann's "[json.exception...] " and "parse error at ...: " prefixes.
+std::string reasonOf(const nlohmann::json::exception& error) {
+    std::string reason = error.what();
+    const std::size_t tag = reason.find("] ");
+    if (tag != std::string::npos)
+        reason = reason.substr(tag + 2);
+    if (reason.rfind("parse error", 0) == 0) {
+        const std::size_t colon = reason.find(": ");
+        if (colon != std::string::npos)
+            reason = reason.substr(colon + 2);
+    }
+    return reason;
+}
+
+// A number too large for a double is refused after it was read, without a place: its text,
+// quoted in the reason, is looked for.
+std::size_t placeOfNumber(const std::string& bytes, const std::string& reason) {
+    const std::size_t open = reason.find('\'');
+    const std::size_t close = reason.rfind('\'');
+    if (open == std::string::npos || close <= open)
+        return 1;
+    const std::size_t found = bytes.find(reason.substr(open + 1, close - open - 1));
+    return found == std::string::npos ? 1 : found + 1;
 }
 
 void checkVersion(const nlohmann::json& document, const std::string& project) {
@@ -184,7 +205,10 @@ Edit readEditFrom(const std::string& bytes, const QString& path, const IThemes& 
     try {
         document = nlohmann::json::parse(bytes);
     } catch (const nlohmann::json::parse_error& error) {
-        failParse(path.toStdString(), bytes, error);
+        failParse(path.toStdString(), bytes, error.byte, reasonOf(error));
+    } catch (const nlohmann::json::exception& error) {
+        const std::string reason = reasonOf(error);
+        failParse(path.toStdString(), bytes, placeOfNumber(bytes, reason), reason);
     }
     return readDocument(std::move(document), path, themes);
 }

@@ -117,6 +117,12 @@ TEST(EditReaderTest, JsonThatDoesNotParseSaysWhere) {
                                          "input; expected '[', '{', or a literal"));
 }
 
+TEST(EditReaderTest, ANumberTooLargeForADoubleDoesNotParse) {
+    EXPECT_THAT([] { readText("{\"reelsmith_project\": 1,\n \"loudness_lufs\": -53e661}"); },
+                FailedWith<ProjectError>("projects/edit.json: invalid JSON at line 2, column 19: "
+                                         "number overflow parsing '-53e661'"));
+}
+
 TEST(EditReaderTest, TextThatIsNotUtf8DoesNotParse) {
     EXPECT_THAT([] { readText(projectWithClips("{\"source\": \"a\xff.mp4\"}")); },
                 FailedWith<ProjectError>("projects/edit.json: invalid JSON at line 1, column 78: "
