@@ -52,7 +52,7 @@ ServiceRunRequest ServiceRunRequest::fromCli(const QStringList& commandLine,
                                              const QList<QCommandLineOption>& options) {
     const int index = serviceNameIndex(commandLine, options);
     if (index < 0)
-        throw Error("No service specified");
+        throw Error(QStringLiteral("No service specified").toStdString());
     return ServiceRunRequest(commandLine.at(index),
                              QStringList(commandLine.first()) + commandLine.mid(index + 1));
 }
