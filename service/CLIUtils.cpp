@@ -22,14 +22,24 @@ QString applicationPath() {
     return last;
 }
 
-// The command of a line's parts: the application path, then each part cleaned of surplus
-// white space. The parts are the list's own, so each is cleaned in place.
-QStringList withApplicationPath(QStringList parts) {
+// The command of a normalised line: the application path, then the line's parts between ";",
+// empty ones dropped, each cleaned of surplus white space. Empty when the line has no part,
+// which is when it holds nothing but ";".
+QStringList commandOf(const QString& text) {
+    const int separators = text.count(QLatin1Char(';'));
+    if (separators == text.size())
+        return {};
     QStringList command;
-    command.reserve(parts.size() + 1);
+    command.reserve(separators + 2);
     command.append(applicationPath());
-    for (QString& part : parts)
-        command.append(std::move(part).simplified());
+    for (int start = 0; start <= text.size();) {
+        int end = text.indexOf(QLatin1Char(';'), start);
+        if (end < 0)
+            end = text.size();
+        if (end > start)
+            command.append(text.mid(start, end - start).simplified());
+        start = end + 1;
+    }
     return command;
 }
 
@@ -87,9 +97,9 @@ rxcpp::observable<QStringList> parseCommand(const QString& line) {
                    // glog builds a message, time stamp and all, before it looks at the level.
                    LOG_IF(INFO, FLAGS_minloglevel <= google::GLOG_INFO)
                        << "Processing command: " << text.toStdString();
-                   QStringList parts = text.split(QLatin1Char(';'), Qt::SkipEmptyParts);
-                   if (!parts.isEmpty())
-                       subscriber.on_next(withApplicationPath(std::move(parts)));
+                   QStringList command = commandOf(text);
+                   if (!command.isEmpty())
+                       subscriber.on_next(std::move(command));
                    subscriber.on_completed();
                })
         .as_dynamic();
