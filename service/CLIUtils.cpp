@@ -22,27 +22,6 @@ QString applicationPath() {
     return last;
 }
 
-// The command of a normalised line: the application path, then the line's parts between ";",
-// empty ones dropped, each cleaned of surplus white space. Empty when the line has no part,
-// which is when it holds nothing but ";".
-QStringList commandOf(const QString& text) {
-    const int separators = text.count(QLatin1Char(';'));
-    if (separators == text.size())
-        return {};
-    QStringList command;
-    command.reserve(separators + 2);
-    command.append(applicationPath());
-    for (int start = 0; start <= text.size();) {
-        int end = text.indexOf(QLatin1Char(';'), start);
-        if (end < 0)
-            end = text.size();
-        if (end > start)
-            command.append(text.mid(start, end - start).simplified());
-        start = end + 1;
-    }
-    return command;
-}
-
 rxcpp::observable<QStringList> commandsOf(const rxcpp::observable<QString>& lines) {
     return lines
         .flat_map([](const QString& line) { return parseCommand(line); }, rxcpp::util::take_at<1>(),
@@ -86,22 +65,25 @@ rxcpp::observable<QString> openFile(const QString& path) {
 }
 
 rxcpp::observable<QStringList> parseCommand(const QString& line) {
-    // One source does a line's steps in their order. A chain of operators made and subscribed
-    // for every line cost more than the string work itself; a throw still ends in on_error.
-    return rxcpp::observable<>::create<QStringList>(
-               [text = line.simplified()](const rxcpp::subscriber<QStringList>& subscriber) {
-                   if (text.startsWith(QLatin1Char('#')) || text.length() == 0) {
-                       subscriber.on_completed();
-                       return;
-                   }
-                   // glog builds a message, time stamp and all, before it looks at the level.
-                   LOG_IF(INFO, FLAGS_minloglevel <= google::GLOG_INFO)
-                       << "Processing command: " << text.toStdString();
-                   QStringList command = commandOf(text);
-                   if (!command.isEmpty())
-                       subscriber.on_next(std::move(command));
-                   subscriber.on_completed();
-               })
+    return rxcpp::observable<>::just(line.simplified())
+        .filter([](const QString& text) { return !text.startsWith(QLatin1Char('#')); })
+        .filter([](const QString& text) { return text.length() != 0; })
+        .map([](const QString& text) {
+            // glog builds a message, time stamp and all, before it looks at the level.
+            LOG_IF(INFO, FLAGS_minloglevel <= google::GLOG_INFO)
+                << "Processing command: " << text.toStdString();
+            QStringList parts =
+                text.split(QStringLiteral(";"), Qt::SkipEmptyParts, Qt::CaseSensitive);
+            for (QString& part : parts)
+                part = part.simplified();
+            return parts;
+        })
+        .filter([](const QStringList& parts) { return !parts.isEmpty(); })
+        .map([](const QStringList& parts) {
+            QStringList command(applicationPath());
+            command += parts;
+            return command;
+        })
         .as_dynamic();
 }
 
