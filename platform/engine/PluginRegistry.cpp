@@ -1,6 +1,6 @@
 #include "platform/engine/PluginRegistry.h"
 
-#include "platform/av/CodecSets.h"
+#include "platform/engine/PluginModule.h"
 #include "platform/engine/Probe.h"
 
 #include <algorithm>
@@ -23,10 +23,8 @@ bool PluginRegistry::IsKnown(const std::string& pluginName) {
 LoadedPlugin PluginRegistry::Load(const std::string& pluginName) {
     Testing::Probe::hit("PluginRegistry::Load");
     LoadedPlugin plugin{pluginName, {}};
-    if (pluginName == "DecodersFF")
-        AV::findDecoding();
-    else if (pluginName == "EncodersFF")
-        plugin.encoders = AV::findEncoders();
+    if (PluginModule::IsModule(pluginName))
+        PluginModule::Load(plugin);
     return plugin;
 }
 

@@ -1,0 +1,69 @@
+#include "platform/engine/PluginModule.h"
+
+#include "platform/engine/PluginEntry.h"
+#include "platform/engine/PluginError.h"
+
+#include <algorithm>
+#include <dlfcn.h>
+#include <unistd.h>
+
+namespace Velmor::Core {
+
+namespace {
+
+PluginError loadFailure(const std::string& pluginName, const std::string& reason) {
+    return PluginError("Can not load the plug-in " + pluginName + ": " + reason);
+}
+
+std::string joined(const std::vector<std::string>& directories) {
+    std::string text;
+    for (const auto& directory : directories)
+        text += (text.empty() ? "" : ", ") + directory;
+    return text;
+}
+
+std::string findModule(const std::string& pluginName, const std::vector<std::string>& searchPath) {
+    const std::string fileName = pluginName + ".so";
+    for (const auto& directory : searchPath) {
+        const std::string path = directory + "/" + fileName;
+        if (::access(path.c_str(), R_OK) == 0)
+            return path;
+    }
+    throw loadFailure(pluginName, fileName + " is in none of " + joined(searchPath));
+}
+
+PluginEntry openEntry(const std::string& pluginName, const std::string& path) {
+    // Never closed: see the class comment. RTLD_LOCAL keeps the module's copies of the media
+    // stages from standing in for anyone else's.
+    void* module = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!module)
+        throw loadFailure(pluginName, ::dlerror());
+    void* entry = ::dlsym(module, pluginEntryName);
+    if (!entry)
+        throw loadFailure(pluginName, path + " has no entry " + pluginEntryName);
+    return reinterpret_cast<PluginEntry>(entry);
+}
+
+} // namespace
+
+bool PluginModule::IsModule(const std::string& pluginName) {
+    static const std::vector<std::string> modules{"EffectsFF", "DecodersFF", "EncodersFF"};
+    return std::find(modules.begin(), modules.end(), pluginName) != modules.end();
+}
+
+const std::vector<std::string>& PluginModule::SearchPath() {
+    static const std::vector<std::string> directories{VELMOR_PLUGIN_BUILD_DIR,
+                                                      VELMOR_PLUGIN_INSTALL_DIR};
+    return directories;
+}
+
+void PluginModule::Load(LoadedPlugin& plugin) {
+    Load(plugin, SearchPath());
+}
+
+void PluginModule::Load(LoadedPlugin& plugin, const std::vector<std::string>& searchPath) {
+    const PluginEntry entry = openEntry(plugin.name, findModule(plugin.name, searchPath));
+    entry(plugin);
+}
+
+} // namespace Velmor::Core
