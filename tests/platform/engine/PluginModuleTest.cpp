@@ -1,0 +1,61 @@
+#include "platform/engine/PluginModule.h"
+
+#include "platform/engine/PluginError.h"
+#include "tests/support/FailedWith.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using EditorService::Testing::FailedWith;
+using namespace Velmor::Core;
+
+TEST(PluginModuleTest, ThePluginsOnTheMediaLibrariesAreModules) {
+    for (const auto& name : PluginRegistry::KnownPlugins()) {
+        const bool onTheMediaLibraries =
+            name == "EffectsFF" || name == "DecodersFF" || name == "EncodersFF";
+        EXPECT_EQ(PluginModule::IsModule(name), onTheMediaLibraries) << name;
+    }
+}
+
+TEST(PluginModuleTest, TheBuildTreeHoldsEveryModuleFirstOnTheSearchPath) {
+    const auto& searchPath = PluginModule::SearchPath();
+    ASSERT_EQ(searchPath.size(), 2u);
+    for (const char* name : {"EffectsFF", "DecodersFF", "EncodersFF"})
+        EXPECT_TRUE(QFile::exists(QString::fromStdString(searchPath.front()) + "/" + name + ".so"));
+}
+
+TEST(PluginModuleTest, AMissingModuleNamesTheDirectoriesSearched) {
+    LoadedPlugin plugin{"DecodersFF", {}};
+    EXPECT_THAT(
+        [&] {
+            PluginModule::Load(plugin, {"/nonexistent/one", "/nonexistent/two"});
+        },
+        FailedWith<PluginError>("Can not load the plug-in DecodersFF: DecodersFF.so is in none of "
+                                "/nonexistent/one, /nonexistent/two"));
+}
+
+TEST(PluginModuleTest, AFileThatIsNoModuleFailsWithTheLoadersReason) {
+    QTemporaryDir directory;
+    QFile notAModule(directory.filePath("EncodersFF.so"));
+    ASSERT_TRUE(notAModule.open(QIODevice::WriteOnly));
+    notAModule.write("not a shared library");
+    notAModule.close();
+    LoadedPlugin plugin{"EncodersFF", {}};
+    try {
+        PluginModule::Load(plugin, {directory.path().toStdString()});
+        FAIL() << "no failure";
+    } catch (const PluginError& error) {
+        const std::string text = error.what();
+        EXPECT_EQ(text.rfind("Can not load the plug-in EncodersFF: ", 0), 0u) << text;
+        EXPECT_NE(text.find(notAModule.fileName().toStdString()), std::string::npos) << text;
+    }
+    EXPECT_TRUE(plugin.encoders.empty());
+}
+
+TEST(PluginModuleTest, TheEncodersModuleFillsInTheEncoders) {
+    LoadedPlugin plugin{"EncodersFF", {}};
+    PluginModule::Load(plugin);
+    EXPECT_EQ(plugin.encoders.at("CODEC_ID_PNG"), "png");
+}
