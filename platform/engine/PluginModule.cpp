@@ -4,6 +4,7 @@
 #include "platform/engine/PluginError.h"
 
 #include <algorithm>
+#include <climits>
 #include <dlfcn.h>
 #include <unistd.h>
 
@@ -44,6 +45,18 @@ PluginEntry openEntry(const std::string& pluginName, const std::string& path) {
     return reinterpret_cast<PluginEntry>(entry);
 }
 
+// Where an installed program's modules are, wherever the installation was moved to; in the build
+// tree it is the same directory as the build tree's for the console host.
+std::string besideTheProgram() {
+    char program[PATH_MAX];
+    const ssize_t length = ::readlink("/proc/self/exe", program, sizeof program - 1);
+    if (length <= 0)
+        return VELMOR_PLUGIN_INSTALL_DIR;
+    std::string directory(program, std::size_t(length));
+    directory.erase(directory.rfind('/'));
+    return directory + "/" + VELMOR_PLUGIN_DIR_FROM_PROGRAM;
+}
+
 } // namespace
 
 bool PluginModule::IsModule(const std::string& pluginName) {
@@ -52,7 +65,7 @@ bool PluginModule::IsModule(const std::string& pluginName) {
 }
 
 const std::vector<std::string>& PluginModule::SearchPath() {
-    static const std::vector<std::string> directories{VELMOR_PLUGIN_BUILD_DIR,
+    static const std::vector<std::string> directories{besideTheProgram(), VELMOR_PLUGIN_BUILD_DIR,
                                                       VELMOR_PLUGIN_INSTALL_DIR};
     return directories;
 }

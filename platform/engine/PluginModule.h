@@ -14,7 +14,8 @@ namespace Velmor::Core {
 class PluginModule {
 public:
     static bool IsModule(const std::string& pluginName);
-    // Where modules are looked for, in order: the build tree's directory, then the installed one.
+    // Where modules are looked for, in order: the installed directory as seen from the running
+    // program's, the build tree's, then the installed one as configured.
     static const std::vector<std::string>& SearchPath();
 
     // Opens the plug-in's module from the first directory of the search path that holds it and
