@@ -7,7 +7,6 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
-#include <libavfilter/avfilter.h>
 #include <libavformat/avformat.h>
 }
 
@@ -26,16 +25,6 @@ DecodingSet findDecoding() {
     if (set.demuxers == 0 || set.decoders == 0)
         throw MediaError("The media libraries have no demuxer or no decoder");
     return set;
-}
-
-int findFiltering() {
-    int filters = 0;
-    void* state = nullptr;
-    while (av_filter_iterate(&state))
-        ++filters;
-    if (filters == 0)
-        throw MediaError("The media libraries have no filter");
-    return filters;
 }
 
 std::map<std::string, std::string> findEncoders() {

@@ -14,10 +14,6 @@ struct DecodingSet {
 // Throws MediaError "The media libraries have no demuxer or no decoder" when either is missing.
 DecodingSet findDecoding();
 
-// Throws MediaError "The media libraries have no filter" when the filter library offers none;
-// gives how many it offers.
-int findFiltering();
-
 // The encoders the editor uses, by the codec name presets give ("CODEC_ID_H264"), each with the
 // library's encoder for it ("libx264"); a codec whose encoder this build lacks is left out.
 std::map<std::string, std::string> findEncoders();

@@ -1,7 +1,6 @@
-#include "platform/av/CodecSets.h"
 #include "platform/engine/PluginEntry.h"
 
-// The filter library the effects draw titles with.
-VELMOR_PLUGIN_ENTRY(Velmor::Core::LoadedPlugin&) {
-    Velmor::AV::findFiltering();
-}
+// The effects the renderer draws do not live here yet, so the plug-in has nothing to ask the
+// media libraries for: it maps none of them, libavfilter's large tree of dependencies least of
+// all, which every start of the engine would otherwise pay for.
+VELMOR_PLUGIN_ENTRY(Velmor::Core::LoadedPlugin&) {}
