@@ -10,6 +10,7 @@
 #include "platform/engine/CoreManager.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
+#include "platform/foundation/OutputFile.h"
 #include "platform/proc/Resizer.h"
 
 #include <algorithm>
@@ -67,7 +68,11 @@ Result FrameExtractor::extract(const Request& request) {
     settings.mode = request.mode;
     settings.pixelFormat = Velmor::AV::pixelFormat("rgb24");
     const Velmor::AV::Frame picture = Velmor::Proc::Resizer(settings).Resize(frame);
-    Velmor::AV::writePng(picture, request.output.toStdString());
+    const std::string output = request.output.toStdString();
+    using Existing = Velmor::OutputFile::Existing;
+    Velmor::OutputFile file(output, request.overwrite ? Existing::Replace : Existing::Keep);
+    Velmor::AV::writePng(picture, file.descriptor(), output);
+    file.commit();
     return Result{stream->cutter().frameMilliseconds(), settings.width, settings.height};
 }
 

@@ -10,7 +10,8 @@ namespace Thumbnail {
 // Extracts thumbnails from decoded frames. process() runs every task its providers have now,
 // provider by provider in the order they were added. extract() decodes the frame from the
 // process's stream provider, so that thumbnails of one file share its cached stream, resizes
-// it by the request's mode and writes it as PNG through the engine's "EncodersFF" plug-in.
+// it by the request's mode and writes it as PNG through the engine's "EncodersFF" plug-in, into
+// a Velmor::OutputFile: the picture appears at the output whole or not at all.
 // Providers may be added and removed from any thread while process() runs on another: process()
 // asks the providers there were when it began.
 class FrameExtractor : public Extractor {
@@ -23,7 +24,9 @@ public:
     void process() override;
     // Throws Velmor::Core::PluginError "Can not encode CODEC_ID_PNG: the plug-in EncodersFF is
     // disabled", what the stream provider and the cutter throw, std::logic_error when no stream
-    // provider runs, and Velmor::AV::MediaError "Can not write <output>: <reason>".
+    // provider runs, Velmor::AV::MediaError and Velmor::WriteError "Can not write <output>:
+    // <reason>", and Velmor::OutputExists "Output file exists: <output>" for a file that stands
+    // at the output when the picture is ready, unless the request overwrites.
     Result extract(const Request& request) override;
 
 private:

@@ -13,22 +13,17 @@
 #include "platform/av/Rational.h"
 #include "platform/av/Resampler.h"
 #include "platform/engine/CoreManager.h"
+#include "platform/foundation/OutputFile.h"
 #include "platform/proc/Resizer.h"
 
 #include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <chrono>
 #include <condition_variable>
-#include <cstdio>
-#include <cstring>
 #include <deque>
-#include <filesystem>
 #include <limits>
 #include <mutex>
 #include <thread>
-
-#include <unistd.h>
 
 namespace Export {
 
@@ -44,10 +39,6 @@ constexpr std::int64_t endless = std::numeric_limits<std::int64_t>::max();
 // while its neighbour takes a slow frame, little enough to keep memory flat.
 constexpr std::size_t packetCapacity = 64;
 constexpr std::size_t pictureCapacity = 4;
-
-std::string systemReason() {
-    return std::strerror(errno);
-}
 
 std::int64_t bitRate(std::int64_t bytes, std::int64_t durationMs) {
     return durationMs > 0 ? bytes * 8 * 1000 / durationMs : 0;
@@ -70,7 +61,6 @@ AV::RateControl rateControl(BitrateMode mode) {
 class Exporter::Private {
 public:
     ExportSettings settings;
-    std::string temporary;
 
     // Set by cancel(): the export ends with ExportCancelled.
     std::atomic<bool> cancelled{false};
@@ -146,22 +136,13 @@ public:
         return firstDecided ? firstVideo : unknown;
     }
 
-    void createTemporary() const;
     ExportResult export_(const Progress& progress, const std::string& videoEncoderName,
-                         const std::string& audioEncoderName);
+                         const std::string& audioEncoderName, OutputFile& file);
 };
-
-void Exporter::Private::createTemporary() const {
-    // Fails for a directory that is missing or not writable, before anything is decoded.
-    std::FILE* file = std::fopen(temporary.c_str(), "wb");
-    if (!file)
-        throw AV::MediaError("Can not write " + settings.output + ": " + systemReason());
-    std::fclose(file);
-}
 
 ExportResult Exporter::Private::export_(const Progress& progress,
                                         const std::string& videoEncoderName,
-                                        const std::string& audioEncoderName) {
+                                        const std::string& audioEncoderName, OutputFile& file) {
     AV::Demuxer demuxer(settings.input, [this] { return stopping(); });
     const int videoStream = demuxer.bestStream("video");
     if (videoStream < 0)
@@ -198,7 +179,7 @@ ExportResult Exporter::Private::export_(const Progress& progress,
     const int pixelFormat = AV::pixelFormat("yuv420p");
 
     // The muxer first: the encoders ask it whether it wants their headers out of band.
-    AV::Muxer muxer(temporary, preset.container());
+    AV::Muxer muxer(file.descriptor(), settings.output, preset.container());
     AV::VideoEncoderSettings videoSettings;
     videoSettings.encoder = videoEncoderName;
     videoSettings.width = width;
@@ -498,24 +479,19 @@ ExportResult Exporter::Private::export_(const Progress& progress,
             ExportResult::Audio{audioEncoder->codecName(), audioEncoder->sampleRate(),
                                 audioEncoder->channels(), bitRate(audio.bytes, audio.durationMs)};
     }
-    result.bytes = static_cast<std::int64_t>(std::filesystem::file_size(temporary));
+    result.bytes = file.size();
     return result;
 }
 
 Exporter::Exporter(ExportSettings settings)
     : d(std::make_unique<Private>()) {
     d->settings = std::move(settings);
-    d->temporary = d->settings.output + ".reelsmith-partial-" + std::to_string(::getpid());
 }
 
 Exporter::~Exporter() {
     cancel();
     std::unique_lock<std::mutex> lock(d->runMutex);
     d->runEnded.wait(lock, [this] { return !d->running; });
-}
-
-const std::string& Exporter::temporaryPath() const {
-    return d->temporary;
 }
 
 ExportResult Exporter::run(const Progress& progress) {
@@ -542,14 +518,15 @@ ExportResult Exporter::run(const Progress& progress) {
     if (d->cancelled)
         throw ExportCancelled("Export cancelled: " + d->settings.output);
 
-    d->createTemporary();
+    // Made before anything is decoded: a folder that is missing or can not be written fails here.
+    const auto existing =
+        d->settings.overwrite ? OutputFile::Existing::Replace : OutputFile::Existing::Keep;
+    OutputFile file(d->settings.output, existing);
     try {
-        ExportResult result = d->export_(progress, videoEncoder, audioEncoder);
-        if (std::rename(d->temporary.c_str(), d->settings.output.c_str()) != 0)
-            throw AV::MediaError("Can not write " + d->settings.output + ": " + systemReason());
+        ExportResult result = d->export_(progress, videoEncoder, audioEncoder, file);
+        file.commit();
         return result;
     } catch (...) {
-        std::remove(d->temporary.c_str());
         // Whatever a cancelled export failed with on its way out (an interrupted read), it was
         // cancelled.
         if (d->cancelled)

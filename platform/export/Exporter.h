@@ -19,6 +19,9 @@ struct ExportSettings {
     Preset preset;
     // Milliseconds from the start of the input; a default range exports the whole input.
     Types::Range range;
+    // Whether a file that stands at the output when the export is complete is replaced; if not,
+    // the export fails with Velmor::OutputExists "Output file exists: <output>".
+    bool overwrite = false;
 };
 
 // How far a running export is.
@@ -56,9 +59,10 @@ struct ExportResult {
 // One export: demuxing, decoding, resizing, encoding and muxing, each stage on a thread of its
 // own joined by bounded queues, so that memory stays flat whatever the input's length.
 //
-// It writes a temporary file beside the output, named "<output>.reelsmith-partial-<pid>", and
-// renames it into place only when the output is complete: there is never a partial file at the
-// output path. Whatever ends the export other than success removes the temporary.
+// It writes the output through a Velmor::OutputFile: a temporary beside the output, named
+// "<output>.reelsmith-partial-<host>-<pid>-<letters>", flushed to disk and renamed into place
+// only when the output is complete, so that there is never a partial file at the output path.
+// Whatever ends the export other than success removes the temporary.
 class Exporter {
 public:
     using Progress = std::function<void(const ExportProgress& progress)>;
@@ -69,12 +73,10 @@ public:
     // Cancels a running export and waits for its threads.
     ~Exporter();
 
-    // The path of the temporary file, known before run() begins.
-    const std::string& temporaryPath() const;
-
     // Runs the export to its end on the calling thread and the stages' threads, calling
-    // `progress` from time to time on one of them. Throws the failure that ended it, and
-    // ExportCancelled after cancel().
+    // `progress` from time to time on one of them. Throws the failure that ended it (among them
+    // Velmor::WriteError "Can not write <output>: <reason>", at once for a folder that is
+    // missing or can not be written), and ExportCancelled after cancel().
     ExportResult run(const Progress& progress);
     // Ends a running export within one frame's work, from any thread; a blocked read of the
     // input gives up too.
