@@ -8,7 +8,6 @@ public:
     explicit PipelineExport(const Export::ExportSettings& settings)
         : exporter(settings) {}
 
-    const std::string& temporaryPath() const override { return exporter.temporaryPath(); }
     Export::ExportResult run(const Export::Exporter::Progress& progress) override {
         return exporter.run(progress);
     }

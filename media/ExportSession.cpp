@@ -1,5 +1,6 @@
 #include "media/ExportSession.h"
 
+#include "media/ExistingOutput.h"
 #include "media/ExportRegistry.h"
 #include "media/ExportValues.h"
 #include "media/ProgressPacer.h"
@@ -7,14 +8,12 @@
 #include "platform/editorlogic/FileController.h"
 #include "platform/editorlogic/TaskController.h"
 #include "platform/export/PresetProvider.h"
-#include "platform/foundation/Temporaries.h"
 #include "platform/model/Video.h"
 #include "platform/rxapp/LimitedResource.h"
 #include "service/api/Error.h"
 #include "service/contexts/GlobalContextProvider.h"
 
 #include <QDateTime>
-#include <QFile>
 #include <mutex>
 #include <stdexcept>
 
@@ -45,6 +44,7 @@ Export::ExportSettings settingsFor(const ExportRequest& request,
     settings.output = text(request.output);
     settings.preset = provider->preset();
     settings.range = request.range;
+    settings.overwrite = request.overwrite;
     return settings;
 }
 
@@ -286,17 +286,15 @@ public:
         run.reset();
     }
 
-    void runListed(const Export::ExportSettings& settings, Export::ExportResult& result,
-                   std::string& temporary) {
+    Export::ExportResult runOnce(const Export::ExportSettings& settings) {
         std::shared_ptr<ExportRun> made = exports(settings);
-        temporary = made->temporaryPath();
-        Velmor::Temporaries::add(temporary);
         if (!setRunning(made))
             std::rethrow_exception(exportCancelled(output));
         ProgressPacer pacer([this](const Export::ExportProgress& progress) {
             gate.next(ExportValues::progress(output, progress));
         });
         std::exception_ptr failure;
+        Export::ExportResult result;
         try {
             result = made->run(
                 [&pacer](const Export::ExportProgress& progress) { pacer.update(progress); });
@@ -307,6 +305,7 @@ public:
         clearRunning();
         if (failure)
             std::rethrow_exception(failure);
+        return result;
     }
 };
 
@@ -344,22 +343,15 @@ void ExportSession::run(const Export::ExportSettings& settings, qint64 startedMs
     }
     std::exception_ptr failure;
     Export::ExportResult result;
-    std::string temporary;
     try {
-        d->runListed(settings, result, temporary);
+        result = d->runOnce(settings);
     } catch (...) {
         failure = std::current_exception();
-    }
-    if (!temporary.empty()) {
-        // The exporter removes its temporary itself; this covers a failure before it began.
-        if (failure)
-            QFile::remove(QString::fromStdString(temporary));
-        Velmor::Temporaries::remove(temporary);
     }
     const qint64 finishedMs = QDateTime::currentMSecsSinceEpoch();
     giveBack();
     if (failure) {
-        d->fail(failure);
+        d->fail(ExistingOutput::asCheckFailure(failure));
         return;
     }
     d->finish(ExportValues::done(settings, result, startedMs, finishedMs));

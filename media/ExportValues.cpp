@@ -1,5 +1,7 @@
 #include "media/ExportValues.h"
 
+#include "media/ExistingOutput.h"
+
 #include <cmath>
 
 namespace EditorService::ExportValues {
@@ -7,7 +9,7 @@ namespace EditorService::ExportValues {
 using Json = nlohmann::json;
 
 Json skipped(const std::string& output) {
-    return {{"export", {{"output", output}, {"skipped", true}}}};
+    return ExistingOutput::skipped("export", output);
 }
 
 Json queued(const std::string& output, int ahead) {

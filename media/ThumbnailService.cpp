@@ -1,6 +1,7 @@
 #include "media/ThumbnailService.h"
 
 #include "media/CallbackStream.h"
+#include "media/ExistingOutput.h"
 #include "media/RuntimeAccess.h"
 #include "platform/editorlogic/ThumbnailController.h"
 
@@ -20,6 +21,7 @@ Thumbnail::Request toTask(const ThumbnailRequest& request) {
     }
     if (request.resizeFillMode)
         task.mode = *request.resizeFillMode;
+    task.overwrite = request.overwrite;
     return task;
 }
 
@@ -34,15 +36,22 @@ nlohmann::json describe(const ThumbnailRequest& request, const Thumbnail::Result
 }
 
 rxcpp::observable<nlohmann::json> thumbnail(const ThumbnailRequest& request) {
-    return callbackStream<Thumbnail::Result>(
+    auto taken = callbackStream<Thumbnail::Result>(
         [request](Thumbnail::Controller::Done done, Thumbnail::Controller::Wanted wanted) {
             requireRuntime(GlobalContextProvider::Render);
             auto* thumbnails = Thumbnail::Controller::instance();
             if (!thumbnails)
                 throw std::logic_error("The render context has no thumbnail controller");
-            thumbnails->extract(toTask(request), std::move(done), std::move(wanted));
+            thumbnails->extract(
+                toTask(request),
+                [done](const Thumbnail::Result& result, std::exception_ptr error) {
+                    done(result, ExistingOutput::asCheckFailure(error));
+                },
+                std::move(wanted));
         },
         [request](const Thumbnail::Result& result) { return describe(request, result); });
+    return ExistingOutput::checkedFirst("thumbnail", request.output, request.overwrite,
+                                        request.skipExisting, std::move(taken));
 }
 
 } // namespace
