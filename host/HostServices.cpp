@@ -1,5 +1,6 @@
 #include "host/HostServices.h"
 
+#include "host/services/ContentService.h"
 #include "host/services/EchoService.h"
 #include "host/services/FailService.h"
 #include "host/services/NoopService.h"
@@ -45,6 +46,9 @@ void add(ServiceLoader& loader, const TimeLimitedService::Expiry& expiry, const 
 
 void registerHostServices(ServiceLoader& loader, const TimeLimitedService::Expiry& expiry,
                           std::weak_ptr<const ServiceLoader> commands) {
+    add<ContentService>(loader, expiry,
+                        QStringLiteral("List what a project may name: transitions, pan-zoom, "
+                                       "overlays or themes"));
     add<EchoService>(loader, expiry,
                      QStringLiteral("Emit the arguments it was given as one value"));
     add<ExportService>(loader, expiry,

@@ -1,33 +1,21 @@
 #include "host/services/PresetsService.h"
 
+#include "host/services/ListedValues.h"
+
 #include "platform/export/PresetProvider.h"
 
 namespace {
 
-rxcpp::observable<nlohmann::json> presetSettings() {
-    return rxcpp::observable<>::create<nlohmann::json>(
-               [](rxcpp::subscriber<nlohmann::json> subscriber) {
-                   std::vector<nlohmann::json> values;
-                   try {
-                       Export::PresetProvider provider(nullptr);
-                       provider.load();
-                       provider.selectTag("format_clive");
-                       for (const std::string& id : provider.availablePresets()) {
-                           provider.selectPreset(id);
-                           values.push_back(provider.preset().toJson());
-                       }
-                   } catch (...) {
-                       subscriber.on_error(std::current_exception());
-                       return;
-                   }
-                   for (const auto& value : values) {
-                       if (!subscriber.is_subscribed())
-                           return;
-                       subscriber.on_next(value);
-                   }
-                   subscriber.on_completed();
-               })
-        .as_dynamic();
+std::vector<nlohmann::json> presetSettings() {
+    std::vector<nlohmann::json> values;
+    Export::PresetProvider provider(nullptr);
+    provider.load();
+    provider.selectTag("format_clive");
+    for (const std::string& id : provider.availablePresets()) {
+        provider.selectPreset(id);
+        values.push_back(provider.preset().toJson());
+    }
+    return values;
 }
 
 } // namespace
@@ -42,5 +30,6 @@ QString PresetsService::serviceId() {
 
 rxcpp::observable<nlohmann::json>
 PresetsService::run(const rxcpp::observable<PresetsRequest>& requests) {
-    return requests.flat_map([](const PresetsRequest&) { return presetSettings(); }).as_dynamic();
+    return requests.flat_map([](const PresetsRequest&) { return listedValues(presetSettings); })
+        .as_dynamic();
 }

@@ -11,7 +11,9 @@ namespace Velmor::AV {
 // A queue of at most `capacity` items between two stage threads: push waits while it is full,
 // pop while it is empty, so that memory stays flat whatever the input's length.
 //
-// close() is the producer's end of input: pop gives out what is left, then nothing. cancel()
+// close() is the producer's end of input: pop gives out what is left, then nothing. finish() is
+// the consumer's end: it takes no more, so a waiting or later push returns false and what is
+// left is dropped; the producer learns that nobody wants more, which is no failure. cancel()
 // ends both sides at once and drops what is left: a waiting push or pop returns at once, so no
 // thread is left waiting. Any thread may call any member.
 template <typename T> class BoundedQueue {
@@ -21,7 +23,7 @@ public:
     BoundedQueue(const BoundedQueue&) = delete;
     BoundedQueue& operator=(const BoundedQueue&) = delete;
 
-    // False, and the item dropped, once the queue is closed or cancelled.
+    // False, and the item dropped, once the queue is closed, finished or cancelled.
     bool push(T item) {
         std::unique_lock<std::mutex> lock(mutex);
         notFull.wait(lock, [this] { return done || items.size() < limit; });
@@ -32,11 +34,11 @@ public:
         return true;
     }
 
-    // The next item; nothing once the queue is closed and empty, or cancelled.
+    // The next item; nothing once the queue is closed and empty, finished or cancelled.
     std::optional<T> pop() {
         std::unique_lock<std::mutex> lock(mutex);
         notEmpty.wait(lock, [this] { return done || !items.empty(); });
-        if (items.empty() || cancelRequested)
+        if (items.empty() || cancelRequested || finishRequested)
             return std::nullopt;
         std::optional<T> item(std::move(items.front()));
         items.pop_front();
@@ -47,6 +49,15 @@ public:
     void close() {
         std::lock_guard<std::mutex> lock(mutex);
         done = true;
+        notEmpty.notify_all();
+        notFull.notify_all();
+    }
+
+    void finish() {
+        std::lock_guard<std::mutex> lock(mutex);
+        done = true;
+        finishRequested = true;
+        items.clear();
         notEmpty.notify_all();
         notFull.notify_all();
     }
@@ -65,6 +76,11 @@ public:
         return cancelRequested;
     }
 
+    bool finished() const {
+        std::lock_guard<std::mutex> lock(mutex);
+        return finishRequested;
+    }
+
     std::size_t size() const {
         std::lock_guard<std::mutex> lock(mutex);
         return items.size();
@@ -80,6 +96,7 @@ private:
     std::deque<T> items;
     bool done = false;
     bool cancelRequested = false;
+    bool finishRequested = false;
 };
 
 } // namespace Velmor::AV

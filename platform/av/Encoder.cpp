@@ -38,6 +38,17 @@ int nearestRate(const AVCodec* codec, int wanted) {
     return best;
 }
 
+const AVCodec* findEncoder(const std::string& encoder, const std::string& failure) {
+    const AVCodec* codec = avcodec_find_encoder_by_name(encoder.c_str());
+    if (!codec)
+        throw MediaError(failure + ": " + errorText(AVERROR_ENCODER_NOT_FOUND));
+    return codec;
+}
+
+AVSampleFormat firstSampleFormat(const AVCodec* codec) {
+    return codec->sample_fmts ? codec->sample_fmts[0] : AV_SAMPLE_FMT_FLTP;
+}
+
 } // namespace
 
 class Encoder::Private {
@@ -51,9 +62,7 @@ public:
 
     const AVCodec* allocate(const std::string& encoder) {
         failure = "Can not encode with " + encoder;
-        const AVCodec* codec = avcodec_find_encoder_by_name(encoder.c_str());
-        if (!codec)
-            throw MediaError(failure + ": " + errorText(AVERROR_ENCODER_NOT_FOUND));
+        const AVCodec* codec = findEncoder(encoder, failure);
         context.reset(avcodec_alloc_context3(codec));
         if (!context)
             throw MediaError(failure + ": " + errorText(AVERROR(ENOMEM)));
@@ -122,7 +131,7 @@ std::unique_ptr<Encoder> Encoder::audio(const AudioEncoderSettings& settings) {
     Private& p = *encoder->d;
     const AVCodec* codec = p.allocate(settings.encoder);
     AVCodecContext& context = *p.context;
-    context.sample_fmt = codec->sample_fmts ? codec->sample_fmts[0] : AV_SAMPLE_FMT_FLTP;
+    context.sample_fmt = firstSampleFormat(codec);
     context.sample_rate = nearestRate(codec, settings.sampleRate);
     av_channel_layout_default(&context.ch_layout, settings.channels);
     context.bit_rate = settings.bitRate;
@@ -131,6 +140,11 @@ std::unique_ptr<Encoder> Encoder::audio(const AudioEncoderSettings& settings) {
         context.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     check(avcodec_open2(&context, codec, nullptr), p.failure);
     return encoder;
+}
+
+AudioEncoderInput Encoder::audioInput(const AudioEncoderSettings& settings) {
+    const AVCodec* codec = findEncoder(settings.encoder, "Can not encode with " + settings.encoder);
+    return {firstSampleFormat(codec), nearestRate(codec, settings.sampleRate), settings.channels};
 }
 
 AVCodecContext* Encoder::context() const {

@@ -57,6 +57,15 @@ struct AudioEncoderSettings {
     bool globalHeader = false;
 };
 
+// The frames an audio encoder takes, known before it opens: what a source of its samples is to
+// convert them to.
+struct AudioEncoderInput {
+    // An AVSampleFormat.
+    int sampleFormat = -1;
+    int sampleRate = 0;
+    int channels = 0;
+};
+
 // Encodes frames into packets, in the send and receive rhythm of the codec; a null frame drains
 // what the codec still holds. Packets come out in the encoder's time base (timeBase()), each
 // with its duration. One thread at a time.
@@ -66,6 +75,10 @@ public:
     // fails with "Encoder not found".
     static std::unique_ptr<Encoder> video(const VideoEncoderSettings& settings);
     static std::unique_ptr<Encoder> audio(const AudioEncoderSettings& settings);
+    // What audio() with these settings will take: the encoder's sample format, the rate of its
+    // list nearest to the wanted one, the channels. Throws as audio() for an encoder the
+    // libraries lack.
+    static AudioEncoderInput audioInput(const AudioEncoderSettings& settings);
     Encoder(const Encoder&) = delete;
     Encoder& operator=(const Encoder&) = delete;
     ~Encoder();

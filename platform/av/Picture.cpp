@@ -101,6 +101,13 @@ Frame reference(const Frame& picture) {
     return shared;
 }
 
+Frame copyOf(const Frame& picture) {
+    Frame copy = Frame::picture(picture.width(), picture.height(), picture.format());
+    check(av_frame_copy(copy.get(), picture.get()), "Can not copy a picture");
+    check(av_frame_copy_props(copy.get(), picture.get()), "Can not copy a picture");
+    return copy;
+}
+
 void showRegion(Frame& view, const Frame& picture, const Rect& region) {
     checkInside(region, picture);
     view.reset();

@@ -22,6 +22,8 @@ bool isFullRange(const Frame& picture);
 
 // A frame that shares the picture's buffers (no copy), with its timestamps and properties.
 Frame reference(const Frame& picture);
+// A picture of buffers of its own holding the same pixels, timestamps and properties.
+Frame copyOf(const Frame& picture);
 // Makes `view` show `region` of `picture`: the same buffers, its planes starting at the
 // region's corner, its size the region's. Chroma offsets are rounded down to the chroma block.
 // Throws std::out_of_range when the region is empty or leaves the picture, and

@@ -1,5 +1,6 @@
 #include "platform/content/OverlayContentProvider.h"
 
+#include "platform/effects/Title.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
 
@@ -15,7 +16,22 @@ ContentProvider::~ContentProvider() {
 }
 
 QStringList ContentProvider::items() const {
-    return {QStringLiteral("Title"), QStringLiteral("Lower third"), QStringLiteral("Frame")};
+    QStringList names;
+    for (const Content::Item& overlay : overlays())
+        names.append(QString::fromStdString(overlay.name));
+    return names;
+}
+
+const std::vector<Content::Item>& ContentProvider::overlays() const {
+    static const std::vector<Content::Item> items{
+        {"text", "A title in a font, size and colour, at one of the positions, on an optional box"},
+        {"image", "A picture fitted into a rectangle of the frame, its transparency kept"},
+        {"video", "A video fitted into a rectangle of the frame, picture in picture"}};
+    return items;
+}
+
+const std::vector<std::string>& ContentProvider::positions() const {
+    return Effects::positionNames();
 }
 
 } // namespace Overlay

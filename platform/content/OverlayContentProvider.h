@@ -1,10 +1,13 @@
 #pragma once
 
+#include "platform/content/ContentItem.h"
+
 #include <QStringList>
+#include <vector>
 
 namespace Overlay {
 
-// Offers the overlays.
+// Offers the overlays, exactly those the renderer draws.
 class ContentProvider {
 public:
     ContentProvider();
@@ -14,6 +17,10 @@ public:
 
     // The names of the items offered, in display order.
     QStringList items() const;
+    // The kinds of overlay the renderer draws: text, image, video.
+    const std::vector<Content::Item>& overlays() const;
+    // Where a title may stand: top-left to bottom-right, row by row.
+    const std::vector<std::string>& positions() const;
 };
 
 } // namespace Overlay

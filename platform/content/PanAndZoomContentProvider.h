@@ -1,10 +1,13 @@
 #pragma once
 
+#include "platform/content/ContentItem.h"
+
 #include <QStringList>
+#include <vector>
 
 namespace PanAndZoom {
 
-// Offers the pan-and-zoom presets.
+// Offers the ways a pan-and-zoom moves.
 class ContentProvider {
 public:
     ContentProvider();
@@ -14,6 +17,9 @@ public:
 
     // The names of the items offered, in display order.
     QStringList items() const;
+    // The easings a pan-and-zoom moves with, exactly those the renderer draws: linear,
+    // ease-in, ease-out, ease-in-out.
+    const std::vector<Content::Item>& easings() const;
 };
 
 } // namespace PanAndZoom

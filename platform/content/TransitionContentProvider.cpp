@@ -15,8 +15,14 @@ ContentProvider::~ContentProvider() {
 }
 
 QStringList ContentProvider::items() const {
-    return {QStringLiteral("Dissolve"), QStringLiteral("Fade through black"),
-            QStringLiteral("Wipe")};
+    QStringList names;
+    for (const Effects::TransitionKind& kind : transitions())
+        names.append(QString::fromStdString(kind.name));
+    return names;
+}
+
+const std::vector<Effects::TransitionKind>& ContentProvider::transitions() const {
+    return Effects::transitionKinds();
 }
 
 } // namespace Transition

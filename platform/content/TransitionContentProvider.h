@@ -1,10 +1,13 @@
 #pragma once
 
+#include "platform/effects/TransitionCatalog.h"
+
 #include <QStringList>
+#include <vector>
 
 namespace Transition {
 
-// Offers the transitions.
+// Offers the transitions, exactly those the renderer draws.
 class ContentProvider {
 public:
     ContentProvider();
@@ -14,6 +17,8 @@ public:
 
     // The names of the items offered, in display order.
     QStringList items() const;
+    // Each with what it looks like, in display order.
+    const std::vector<Effects::TransitionKind>& transitions() const;
 };
 
 } // namespace Transition

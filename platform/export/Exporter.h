@@ -56,8 +56,8 @@ struct ExportResult {
     std::optional<Audio> audio;
 };
 
-// One export: demuxing, decoding, resizing, encoding and muxing, each stage on a thread of its
-// own joined by bounded queues, so that memory stays flat whatever the input's length.
+// One export: the pictures decoded, resized and encoded each on a thread of its own, the sound
+// on another, joined by bounded queues, so that memory stays flat whatever the input's length.
 //
 // It writes the output through a Velmor::OutputFile: a temporary beside the output, named
 // "<output>.reelsmith-partial-<host>-<pid>-<letters>", flushed to disk and renamed into place

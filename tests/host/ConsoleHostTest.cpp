@@ -60,8 +60,8 @@ TEST_F(ConsoleHostTest, NoServiceExitsWithUsageStatus) {
 TEST_F(ConsoleHostTest, UnknownServiceExitsWithUsageStatusNamingTheKnownOnes) {
     const HostRun run = runHost({"nosuch", "x"});
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_TRUE(
-        run.errors.startsWith("Unknown service \"nosuch\", known services: echo, export, fail, "))
+    EXPECT_TRUE(run.errors.startsWith(
+        "Unknown service \"nosuch\", known services: content, echo, export, "))
         << run.errors.toStdString();
     EXPECT_EQ(run.output, "");
 }
@@ -69,7 +69,7 @@ TEST_F(ConsoleHostTest, UnknownServiceExitsWithUsageStatusNamingTheKnownOnes) {
 TEST_F(ConsoleHostTest, UnknownServiceWithANewlineIsNamedOnOneLine) {
     const HostRun run = runHost({"no\nsuch", "x"});
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_TRUE(run.errors.startsWith("Unknown service \"no\\x0asuch\", known services: echo, "))
+    EXPECT_TRUE(run.errors.startsWith("Unknown service \"no\\x0asuch\", known services: content, "))
         << run.errors.toStdString();
     EXPECT_EQ(run.errors.count('\n'), 1);
 }

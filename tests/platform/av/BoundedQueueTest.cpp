@@ -67,3 +67,25 @@ TEST(BoundedQueueTest, CancelReleasesAConsumerWaitingOnAnEmptyQueueAndDropsWhatI
     EXPECT_FALSE(queue.push(3));
     EXPECT_EQ(queue.size(), 0u);
 }
+
+TEST(BoundedQueueTest, FinishReleasesAProducerWaitingOnAFullQueueWithoutCancellingIt) {
+    BoundedQueue<int> queue(1);
+    queue.push(1);
+    bool pushed = true;
+    std::thread producer([&] { pushed = queue.push(2); });
+    queue.finish();
+    producer.join();
+    EXPECT_FALSE(pushed);
+    EXPECT_TRUE(queue.finished());
+    EXPECT_FALSE(queue.cancelled());
+}
+
+TEST(BoundedQueueTest, AFinishedQueueDropsWhatIsLeftAndRefusesMore) {
+    BoundedQueue<int> queue(3);
+    queue.push(1);
+    queue.push(2);
+    queue.finish();
+    EXPECT_EQ(queue.size(), 0u);
+    EXPECT_EQ(queue.pop(), std::nullopt);
+    EXPECT_FALSE(queue.push(3));
+}

@@ -138,3 +138,21 @@ TEST(EncoderTest, AnImpossibleSizeFailsWithTheLibrarysReason) {
     EXPECT_THAT([&] { Encoder::video(settings); },
                 FailedWith<MediaError>("Can not encode with libx264: Invalid argument"));
 }
+
+TEST(EncoderTest, TheAudioInputIsKnownBeforeTheEncoderOpensAndIsWhatItTakes) {
+    const AudioEncoderSettings settings{"aac", 44000, 1, 64000, false};
+    const AudioEncoderInput input = Encoder::audioInput(settings);
+    auto encoder = Encoder::audio(settings);
+    EXPECT_EQ(input.sampleFormat, encoder->sampleFormat());
+    EXPECT_EQ(input.sampleRate, 44100);
+    EXPECT_EQ(input.sampleRate, encoder->sampleRate());
+    EXPECT_EQ(input.channels, 1);
+}
+
+TEST(EncoderTest, TheAudioInputOfAnUnknownEncoderFailsNamingIt) {
+    EXPECT_THAT(
+        [&] {
+            Encoder::audioInput({"libnothing", 44100, 2, 0, false});
+        },
+        FailedWith<MediaError>("Can not encode with libnothing: Encoder not found"));
+}

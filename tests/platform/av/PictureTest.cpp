@@ -142,4 +142,16 @@ TEST(PictureTest, CopiedPropertiesTakeTheRangeOfTheirOwnFormat) {
     EXPECT_EQ(rgb->color_range, AVCOL_RANGE_UNSPECIFIED);
 }
 
+TEST(PictureTest, ACopyHasItsOwnBuffersAndTheSamePixels) {
+    Frame picture = Frame::picture(4, 4, AV_PIX_FMT_YUV420P);
+    fillPlane(picture, 0, 4, 4, 77);
+    picture.setTimestamp(9);
+    Frame copy = copyOf(picture);
+    EXPECT_NE(copy->data[0], picture->data[0]);
+    EXPECT_EQ(pixel(copy, 0, 3, 3), 77);
+    EXPECT_EQ(copy.timestamp(), 9);
+    pixel(copy, 0, 0, 0) = 1;
+    EXPECT_EQ(pixel(picture, 0, 0, 0), 77);
+}
+
 } // namespace

@@ -7,6 +7,7 @@
 #include "platform/content/TransitionContentProvider.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
+#include "platform/package/PackageDirectory.h"
 #include "tests/support/FailedWith.h"
 
 #include <gmock/gmock.h>
@@ -35,10 +36,13 @@ PROVIDER_NAMESPACE(Theme);
 
 template <class T> class ContentProvidersTest : public testing::Test {
 protected:
+    // The themes offered are the packages the host ships.
     void SetUp() override {
         Probe::clear();
         CallLog::clear();
+        Package::setPackageDirectory(SHIPPED_PACKAGES_DIR);
     }
+    void TearDown() override { Package::setPackageDirectory(QString()); }
 
     static std::string entry(const std::string& operation) {
         return ProviderNamespace<T>::name() + "::ContentProvider::" + operation;

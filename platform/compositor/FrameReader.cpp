@@ -1,0 +1,8 @@
+#include "platform/compositor/FrameReader.h"
+
+namespace Composition {
+
+IFrameReader::~IFrameReader() = default;
+IFrameReaders::~IFrameReaders() = default;
+
+} // namespace Composition

@@ -1,0 +1,7 @@
+#include "platform/effects/Transition.h"
+
+namespace Effects {
+
+Transition::~Transition() = default;
+
+} // namespace Effects

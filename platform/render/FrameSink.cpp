@@ -1,0 +1,7 @@
+#include "platform/render/FrameSink.h"
+
+namespace Velmor::Render {
+
+FrameSink::~FrameSink() = default;
+
+} // namespace Velmor::Render

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/av/Rational.h"
+
+namespace Velmor::Render {
+
+// What a video source hands out: pictures of one size and pixel format, timed in one time base.
+struct VideoFormat {
+    int width = 0;
+    int height = 0;
+    // An AVPixelFormat (AV::pixelFormat("yuv420p")).
+    int pixelFormat = -1;
+    // The nominal rate; 0/1 when unknown (a variable rate keeps its timestamps).
+    AV::Rational frameRate{0, 1};
+    // The unit of the frames' timestamps.
+    AV::Rational timeBase{0, 1};
+};
+
+} // namespace Velmor::Render
