@@ -49,19 +49,24 @@ void ShardRequest::validateOnLoad() const {
 
 std::unique_ptr<Request> ShardRequest::Serializer::loadFromCli(const QStringList& arguments) {
     // The parser needs the options to tell "--jobs 3 <path>" from "--flag <path>".
-    ShardRequest request;
+    const ShardRequest fields;
     CLI::OptionDumper dumper;
-    dumper << request;
+    dumper << fields;
     QCommandLineParser parser;
     parser.addOptions(dumper.options);
     parser.parse(arguments);
     const QStringList positional = parser.positionalArguments();
-    if (positional.isEmpty())
-        return DefaultRequestSerializer<ShardRequest>::loadFromCli(arguments);
-    return DefaultRequestSerializer<ShardRequest>::loadFromCli(
-        arguments
-        + QStringList(
-            QStringLiteral("--%1=%2").arg(pathOption().names().constFirst(), positional.first())));
+    QStringList withPath = arguments;
+    // Behind the program name, where an option given last without its value can't take it.
+    if (!positional.isEmpty())
+        withPath.insert(1, QStringLiteral("--%1=%2").arg(pathOption().names().constFirst(),
+                                                         positional.first()));
+    auto loaded = DefaultRequestSerializer<ShardRequest>::loadFromCli(withPath);
+    auto& shard = static_cast<ShardRequest&>(*loaded);
+    if (!positional.isEmpty())
+        shard.path = positional.first();
+    shard.jobs = ScriptRequest::jobsFrom(arguments);
+    return loaded;
 }
 
 QStringList ShardRequest::Serializer::toCli(const Request& request) const {

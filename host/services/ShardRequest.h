@@ -3,10 +3,12 @@
 #include "service/requests/DefaultRequestImpl.h"
 #include "service/requests/DefaultRequestSerializer.h"
 #include "service/requests/OptionField.h"
+#include "service/requests/RequestInputArchive.h"
 #include "service/services/ScriptRequest.h"
 
 #include <QCommandLineOption>
 #include <QString>
+#include <type_traits>
 
 // Which part of a script to run: the commands whose position among the script's commands
 // (first command 0) is index modulo count, up to jobs of them at once, as the script service
@@ -28,7 +30,10 @@ struct ShardRequest : EditorService::DefaultRequestImpl<ShardRequest> {
         EditorService::visitField(archive, path, pathOption());
         EditorService::visitField(archive, index, indexOption());
         EditorService::visitField(archive, count, countOption());
-        EditorService::visitField(archive, jobs, EditorService::ScriptRequest::jobsOption());
+        // On a command line the serializer reads jobs the script request's way, which never
+        // fails; the archive still declares the option, so "--jobs 3 <path>" parses.
+        if constexpr (!std::is_same_v<Archive, EditorService::CLI::RequestInputArchive>)
+            EditorService::visitField(archive, jobs, EditorService::ScriptRequest::jobsOption());
         if constexpr (Archive::is_loading::value)
             validateOnLoad();
     }
@@ -41,7 +46,8 @@ struct ShardRequest : EditorService::DefaultRequestImpl<ShardRequest> {
 
 // The field convention's forms, with the script's path also taken as the first positional
 // argument, as the script service takes it: "shard <path> --index=K --count=N [--jobs=J]";
-// a positional path wins over --path. Written back as "app-path-stub --path=... --index=K
+// a positional path wins over --path, and --jobs reads as the script's does (a text that is
+// no number is 0, no limit). Written back as "app-path-stub --path=... --index=K
 // --count=N --jobs=J". The JSON form is {"path", "index", "count", "jobs"}.
 class ShardRequest::Serializer : public EditorService::DefaultRequestSerializer<ShardRequest> {
 public:

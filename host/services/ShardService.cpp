@@ -39,9 +39,12 @@ ShardService::run(const rxcpp::observable<ShardRequest>& requests) {
     return requests
         .flat_map(
             [loader](const ShardRequest& request) {
+                // In the script service's order: the limiter first, the script second.
+                auto resource = std::make_shared<Velmor::rx::LimitedResource>(request.jobs);
                 return EditorService::runCommands(
+                    resource,
                     partOf(CLIUtils::openCommandScript(request.path), request.index, request.count),
-                    request.jobs, loader);
+                    loader);
             },
             rxcpp::util::take_at<1>(), rxcpp::identity_current_thread())
         .as_dynamic();

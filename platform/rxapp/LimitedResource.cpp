@@ -101,8 +101,9 @@ LimitedResource::LimitedResource(int limit)
     if (limit < 1)
         return;
     state = std::make_shared<State>(limit);
+    // The job is taken by value: the subject hands a job it was given by move straight on.
     jobQueue.get_observable().subscribe(
-        state->jobs, [s = state](const Job& job) { s->queue(job); }, [](std::exception_ptr) {});
+        state->jobs, [s = state](Job job) { s->queue(std::move(job)); }, [](std::exception_ptr) {});
 }
 
 LimitedResource::~LimitedResource() {

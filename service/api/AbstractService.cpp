@@ -9,7 +9,8 @@ namespace EditorService {
 AbstractService::~AbstractService() = default;
 
 std::unique_ptr<AbstractRequestSerializer> AbstractService::requestSerializer() const {
-    throw Error("This service reads no requests from a command line or JSON");
+    throw Error(
+        QStringLiteral("This service reads no requests from a command line or JSON").toStdString());
 }
 
 rxcpp::observable<nlohmann::json> AbstractService::run(const QStringList& arguments) {

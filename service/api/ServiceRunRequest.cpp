@@ -52,9 +52,14 @@ ServiceRunRequest ServiceRunRequest::fromCli(const QStringList& commandLine,
                                              const QList<QCommandLineOption>& options) {
     const int index = serviceNameIndex(commandLine, options);
     if (index < 0)
-        throw Error("No service specified");
-    return ServiceRunRequest(commandLine.at(index),
-                             QStringList(commandLine.first()) + commandLine.mid(index + 1));
+        throw Error(QStringLiteral("No service specified").toStdString());
+    // One list, built in place: the program path, then what follows the service's name.
+    QStringList arguments;
+    arguments.reserve(commandLine.size() - index);
+    arguments.append(commandLine.first());
+    for (int item = index + 1; item < commandLine.size(); ++item)
+        arguments.append(commandLine.at(item));
+    return ServiceRunRequest(commandLine.at(index), std::move(arguments));
 }
 
 std::unique_ptr<Request> ServiceRunRequest::Serializer::loadFromCli(const QStringList& arguments) {

@@ -21,11 +21,15 @@ namespace EditorService {
 //     template <class Archive> void serialize(Archive& archive, const unsigned int version);
 // Loading validates the request once from a command line and twice from JSON. toCli and toJson
 // throw std::bad_cast for a request of another class.
+//
+// The special members are defaulted out of the class, so that an explicit instantiation emits
+// them and other libraries call the exporting library's copies.
 template <class R> class DefaultRequestSerializer : public AbstractRequestSerializer {
 public:
-    DefaultRequestSerializer() = default;
-    DefaultRequestSerializer(const DefaultRequestSerializer&) = default;
-    ~DefaultRequestSerializer() override = default;
+    DefaultRequestSerializer();
+    DefaultRequestSerializer(const DefaultRequestSerializer&);
+    DefaultRequestSerializer& operator=(const DefaultRequestSerializer&);
+    ~DefaultRequestSerializer() override;
 
     std::unique_ptr<Request> loadFromCli(const QStringList& arguments) override;
     std::unique_ptr<Request> loadFromJson(const nlohmann::json& value) override;
@@ -35,6 +39,14 @@ public:
     // Flags of the JSON archives (Serialize::Json::Config).
     std::int32_t config = 0;
 };
+
+template <class R> DefaultRequestSerializer<R>::DefaultRequestSerializer() = default;
+template <class R>
+DefaultRequestSerializer<R>::DefaultRequestSerializer(const DefaultRequestSerializer&) = default;
+template <class R>
+DefaultRequestSerializer<R>&
+DefaultRequestSerializer<R>::operator=(const DefaultRequestSerializer&) = default;
+template <class R> DefaultRequestSerializer<R>::~DefaultRequestSerializer() = default;
 
 template <class R>
 std::unique_ptr<Request> DefaultRequestSerializer<R>::loadFromCli(const QStringList& arguments) {

@@ -14,14 +14,17 @@ namespace EditorService {
 // The service side of the generic bases: a service of requests R writes only the typed run.
 // The untyped run narrows each request to a copy of its R; a request of another class ends the
 // typed stream with std::bad_cast through on_error.
+//
+// The special members are defaulted out of the class, so that an explicit instantiation emits
+// them and other libraries call the exporting library's copies.
 template <class R> class DefaultServiceImpl : public AbstractService {
 public:
-    DefaultServiceImpl() = default;
-    DefaultServiceImpl(const DefaultServiceImpl&) = default;
-    DefaultServiceImpl(DefaultServiceImpl&&) = default;
-    DefaultServiceImpl& operator=(const DefaultServiceImpl&) = default;
-    DefaultServiceImpl& operator=(DefaultServiceImpl&&) = default;
-    ~DefaultServiceImpl() override = default;
+    DefaultServiceImpl();
+    DefaultServiceImpl(const DefaultServiceImpl&);
+    DefaultServiceImpl(DefaultServiceImpl&&) noexcept;
+    DefaultServiceImpl& operator=(const DefaultServiceImpl&);
+    DefaultServiceImpl& operator=(DefaultServiceImpl&&) noexcept;
+    ~DefaultServiceImpl() override;
 
     using AbstractService::run;
 
@@ -31,6 +34,16 @@ public:
     run(const rxcpp::observable<std::shared_ptr<Request>>& requests) override;
     virtual rxcpp::observable<nlohmann::json> run(const rxcpp::observable<R>& requests) = 0;
 };
+
+template <class R> DefaultServiceImpl<R>::DefaultServiceImpl() = default;
+template <class R> DefaultServiceImpl<R>::DefaultServiceImpl(const DefaultServiceImpl&) = default;
+template <class R>
+DefaultServiceImpl<R>::DefaultServiceImpl(DefaultServiceImpl&&) noexcept = default;
+template <class R>
+DefaultServiceImpl<R>& DefaultServiceImpl<R>::operator=(const DefaultServiceImpl&) = default;
+template <class R>
+DefaultServiceImpl<R>& DefaultServiceImpl<R>::operator=(DefaultServiceImpl&&) noexcept = default;
+template <class R> DefaultServiceImpl<R>::~DefaultServiceImpl() = default;
 
 template <class R>
 std::unique_ptr<AbstractRequestSerializer> DefaultServiceImpl<R>::requestSerializer() const {

@@ -7,15 +7,15 @@
 
 namespace EditorService {
 
-rxcpp::observable<nlohmann::json> runCommands(const rxcpp::observable<QStringList>& commands,
-                                              int jobs,
-                                              std::weak_ptr<const ServiceLoader> serviceLoader) {
-    auto resource = std::make_shared<Velmor::rx::LimitedResource>(jobs);
+rxcpp::observable<nlohmann::json>
+runCommands(const std::shared_ptr<Velmor::rx::LimitedResource>& resource,
+            const rxcpp::observable<QStringList>& commands,
+            std::weak_ptr<const ServiceLoader> serviceLoader) {
     // The service and the locked loader live only until run has returned.
     const auto start = [loader = std::move(serviceLoader)](const ServiceRunRequest& command) {
         const auto lockedLoader = loader.lock();
         if (!lockedLoader)
-            throw Error("The service loader is gone");
+            throw Error(QStringLiteral("The service loader is gone").toStdString());
         return lockedLoader->createService(command.serviceName)->run(command.arguments);
     };
     const auto requests =

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/rxapp/LimitedResource.h"
 #include "service/api/EditorServiceExport.h"
 #include "service/api/ServiceLoader.h"
 
@@ -12,12 +13,12 @@ namespace EditorService {
 
 // Runs a stream of command lines (application path first, as CLIUtils delivers them) the way
 // the script service runs a script's: each line becomes a ServiceRunRequest, its service is
-// made by the loader and run, up to `jobs` at once (no limit below 1), and the values of all
+// made by the loader and run, as many at once as `resource` allows, and the values of all
 // commands are merged unchanged into one stream. The first failure of any kind ends it with
-// the same exception object. The limiter is made here, once per call, and lives as long as
-// the returned chain does.
+// the same exception object. The returned chain keeps the limiter alive as long as it lives.
 EDITORSERVICE_EXPORT rxcpp::observable<nlohmann::json>
-runCommands(const rxcpp::observable<QStringList>& commands, int jobs,
+runCommands(const std::shared_ptr<Velmor::rx::LimitedResource>& resource,
+            const rxcpp::observable<QStringList>& commands,
             std::weak_ptr<const ServiceLoader> serviceLoader);
 
 } // namespace EditorService

@@ -39,6 +39,15 @@ const QCommandLineOption& ScriptRequest::jobsOption() {
     return option;
 }
 
+int ScriptRequest::jobsFrom(const QStringList& arguments) {
+    // A parser of the jobs option alone reads the count, so that the value a missing argument
+    // leaves behind is the option's default.
+    QCommandLineParser parser;
+    parser.addOption(jobsOption());
+    parser.parse(arguments);
+    return parser.value(jobsOption()).toInt(nullptr, 10);
+}
+
 std::unique_ptr<Request> ScriptRequest::Serializer::loadFromCli(const QStringList& arguments) {
     QCommandLineParser parser;
     const QCommandLineOption helpOption = parser.addHelpOption();
@@ -53,14 +62,7 @@ std::unique_ptr<Request> ScriptRequest::Serializer::loadFromCli(const QStringLis
     if (positional.isEmpty())
         throw std::invalid_argument(
             "No script path specified, try --help for all avalable options");
-
-    // A parser of the jobs option alone reads the count, so that the value a missing argument
-    // leaves behind is the option's default.
-    QCommandLineParser jobsParser;
-    jobsParser.addOption(jobsOption());
-    jobsParser.parse(arguments);
-    const int jobs = jobsParser.value(jobsOption()).toInt(nullptr, 10);
-    return std::make_unique<ScriptRequest>(positional.first(), jobs);
+    return std::make_unique<ScriptRequest>(positional.first(), jobsFrom(arguments));
 }
 
 std::unique_ptr<Request> ScriptRequest::Serializer::loadFromJson(const nlohmann::json& value) {

@@ -5,6 +5,7 @@
 
 #include <QCommandLineOption>
 #include <QString>
+#include <QStringList>
 
 namespace EditorService {
 
@@ -25,6 +26,10 @@ struct EDITORSERVICE_EXPORT ScriptRequest : DefaultRequestImpl<ScriptRequest> {
 
     // "--jobs"/"-j" with the value name "N" and the default "1"; built once, shared by all.
     static const QCommandLineOption& jobsOption();
+    // The jobs option of a command line (program name first) as the script service reads it:
+    // the last value given; 1 when absent or given last without a value; 0 for a text that is
+    // no number. Never fails.
+    static int jobsFrom(const QStringList& arguments);
 
     QString path;
     int jobs;

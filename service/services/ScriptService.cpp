@@ -20,7 +20,9 @@ ScriptService::run(const rxcpp::observable<ScriptRequest>& requests) {
     return requests
         .flat_map(
             [loader](const ScriptRequest& request) {
-                return runCommands(CLIUtils::openCommandScript(request.path), request.jobs, loader);
+                // The limiter comes first, the script second.
+                auto resource = std::make_shared<Velmor::rx::LimitedResource>(request.jobs);
+                return runCommands(resource, CLIUtils::openCommandScript(request.path), loader);
             },
             rxcpp::util::take_at<1>(), rxcpp::identity_current_thread())
         .as_dynamic();

@@ -193,6 +193,13 @@ TEST_F(ExportTest, AnOddInputWithTheOriginalFrameSizeFailsAsThePresetSays) {
     EXPECT_TRUE(files().isEmpty());
 }
 
+TEST_F(ExportTest, AnOddInputWithoutAFrameSizeIsRoundedDownToEvenSides) {
+    const HostRun run = runHost(
+        {"export", fixture("wide_1921x1080.mp4"), "--output=" + path("out.mp4"), "--range=0:200"});
+    ASSERT_EQ(run.exitCode, 0) << run.errors.toStdString();
+    EXPECT_EQ(ffprobe(path("out.mp4")).streams, QStringList{"video h264 1920x1080"});
+}
+
 TEST_F(ExportTest, WithEncodersFFDisabledItFailsNamingTheCodecAndWritesNothing) {
     const HostRun run = runHost({"--disable-plugin=EncodersFF", "export", fixture("h264_aac.mp4"),
                                  "--output=" + path("out.mp4")});

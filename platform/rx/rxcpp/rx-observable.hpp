@@ -212,13 +212,15 @@ template <class T, class F> observable<T> make_observable(F on_subscribe) {
         dynamic_observable<T>(std::make_shared<lambda_source<T, F>>(std::move(on_subscribe))));
 }
 
-// An observer that hands terminal signals straight on and values to a function of its own.
+// An observer that hands terminal signals straight on and values to a function of its own,
+// which takes the destination and a value that may be an rvalue.
 template <class T, class U, class OnNext> class forward_observer final : public observer_base<T> {
 public:
     forward_observer(subscriber<U> dest, OnNext n)
         : dest(std::move(dest))
         , onnext(std::move(n)) {}
     void on_next(const T& v) override { onnext(dest, v); }
+    void on_next_moved(T&& v) override { onnext(dest, std::move(v)); }
     void on_error(std::exception_ptr e) override { dest.on_error(std::move(e)); }
     void on_completed() override { dest.on_completed(); }
 

@@ -15,6 +15,9 @@ template <class T> class observer_base {
 public:
     virtual ~observer_base() = default;
     virtual void on_next(const T& v) = 0;
+    // A value its sender gives up. An observer that keeps it or passes it on takes it over;
+    // the others see it as on_next(const T&).
+    virtual void on_next_moved(T&& v) { on_next(static_cast<const T&>(v)); }
     virtual void on_error(std::exception_ptr e) = 0;
     virtual void on_completed() = 0;
 };
@@ -35,6 +38,12 @@ public:
         , onerror(std::move(e))
         , oncompleted(std::move(c)) {}
     void on_next(const T& v) override { onnext(v); }
+    void on_next_moved(T&& v) override {
+        if constexpr (std::is_invocable_v<OnNext&, T&&>)
+            onnext(std::move(v));
+        else
+            onnext(v);
+    }
     void on_error(std::exception_ptr e) override { onerror(std::move(e)); }
     void on_completed() override { oncompleted(); }
 
@@ -67,6 +76,18 @@ public:
             return;
         try {
             destination->on_next(v);
+        } catch (...) {
+            unsubscribe_on_exit guard{lifetime};
+            destination->on_error(std::current_exception());
+        }
+    }
+
+    // The value is handed on by move as far as the observers downstream take it over.
+    void on_next(T&& v) const {
+        if (!is_subscribed())
+            return;
+        try {
+            destination->on_next_moved(std::move(v));
         } catch (...) {
             unsubscribe_on_exit guard{lifetime};
             destination->on_error(std::current_exception());

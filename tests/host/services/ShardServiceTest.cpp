@@ -283,6 +283,57 @@ TEST_F(ShardServiceTest, CommandLineTakesThePathBeforeOrAfterTheOptions) {
     }
 }
 
+TEST_F(ShardServiceTest, APositionalPathWinsOverPathAndNoOptionTakesItForItsValue) {
+    ShardRequest::Serializer serializer;
+    for (const QStringList& arguments : {QStringList{"app", "--path=other.reel", "jobs.reel"},
+                                         QStringList{"app", "jobs.reel", "--path=other.reel"},
+                                         QStringList{"app", "jobs.reel", "--count=2", "--index"}}) {
+        const auto loaded = serializer.loadFromCli(arguments);
+        EXPECT_EQ(dynamic_cast<const ShardRequest&>(*loaded).path, QStringLiteral("jobs.reel"))
+            << arguments.join(' ').toStdString();
+    }
+}
+
+// Command lines of the jobs option, as the script request's table has them (the path first).
+struct JobsLine {
+    const char* name;
+    QStringList arguments;
+};
+
+void PrintTo(const JobsLine& row, std::ostream* out) {
+    *out << row.name;
+}
+
+class ShardServiceJobsTest : public ShardServiceTest,
+                             public testing::WithParamInterface<JobsLine> {};
+
+TEST_P(ShardServiceJobsTest, CommandLineReadsJobsAsTheScriptRequestDoes) {
+    const QStringList arguments = QStringList{"app", "jobs.reel"} + GetParam().arguments;
+    const auto script = ScriptRequest::Serializer().loadFromCli(arguments);
+    const auto shard = ShardRequest::Serializer().loadFromCli(arguments);
+    EXPECT_EQ(dynamic_cast<const ShardRequest&>(*shard).jobs,
+              dynamic_cast<const ScriptRequest&>(*script).jobs);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Lines, ShardServiceJobsTest,
+    testing::Values(JobsLine{"Absent", {}}, JobsLine{"LastWithoutValue", {"--jobs"}},
+                    JobsLine{"Joined", {"--jobs=3"}}, JobsLine{"Separate", {"--jobs", "3"}},
+                    JobsLine{"Short", {"-j", "3"}}, JobsLine{"Zero", {"--jobs=0"}},
+                    JobsLine{"Negative", {"--jobs=-1"}}, JobsLine{"NoNumber", {"--jobs=abc"}},
+                    JobsLine{"Empty", {"--jobs="}}, JobsLine{"Hexadecimal", {"--jobs=0x10"}},
+                    JobsLine{"TwiceTheLastWins", {"--jobs=2", "--jobs=5"}}),
+    [](const testing::TestParamInfo<JobsLine>& info) { return info.param.name; });
+
+TEST_F(ShardServiceTest, JobsThatAreNoNumberMeanNoLimitAndNoFailure) {
+    const auto loaded = ShardRequest::Serializer().loadFromCli({"app", "jobs.reel", "--jobs=abc"});
+    EXPECT_EQ(dynamic_cast<const ShardRequest&>(*loaded).jobs, 0);
+
+    const auto part = runShard({writeScript("echo; a\necho; b\n"), "--jobs=abc"});
+    EXPECT_FALSE(part->error) << failureText(part->error);
+    EXPECT_EQ(part->values.size(), 2u);
+}
+
 ShardRequest sampleRequest() {
     ShardRequest request;
     request.path = QStringLiteral("a b.reel");

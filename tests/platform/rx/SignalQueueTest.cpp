@@ -5,7 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <stdexcept>
+#include <vector>
 
 using EditorService::Testing::Recorder;
 using rxcpp::detail::signal_queue;
@@ -26,9 +28,30 @@ TEST(SignalQueueTest, ADrainDeliversEverySignalInTheOrderTheyCame) {
     queue.push_value(1);
     queue.push_value(2);
     queue.push_completed();
-    queue.deliver(r.subscriber<int>(), [&values] { ++values; });
+    queue.deliver(r.subscriber<int>(), [&values](bool) { ++values; });
     EXPECT_THAT(r.lines(), ElementsAre("on_next(1)", "on_next(2)", "on_completed"));
     EXPECT_EQ(values, 2);
+}
+
+TEST(SignalQueueTest, OnlyTheLastValueOfABatchIsMarkedLast) {
+    signal_queue<int> queue;
+    Recorder r;
+    std::vector<bool> marks;
+    queue.push_value(1);
+    queue.push_value(2);
+    queue.push_completed();
+    queue.deliver(r.subscriber<int>(), [&marks](bool last) { marks.push_back(last); });
+    EXPECT_THAT(marks, ElementsAre(false, true));
+}
+
+TEST(SignalQueueTest, AValueIsHandedOnByMoveNotCopied) {
+    signal_queue<std::shared_ptr<int>> queue;
+    long owners = 0;
+    queue.push_value(std::make_shared<int>(7));
+    queue.deliver(rxcpp::make_subscriber<std::shared_ptr<int>>(
+                      [&owners](std::shared_ptr<int> value) { owners = value.use_count(); }),
+                  [](bool) {});
+    EXPECT_EQ(owners, 1);
 }
 
 TEST(SignalQueueTest, AnErrorIsDeliveredAsItCame) {
@@ -36,7 +59,7 @@ TEST(SignalQueueTest, AnErrorIsDeliveredAsItCame) {
     Recorder r;
     queue.push_value(1);
     queue.push_error(std::make_exception_ptr(std::runtime_error("boom")));
-    queue.deliver(r.subscriber<int>(), [] {});
+    queue.deliver(r.subscriber<int>(), [](bool) {});
     EXPECT_THAT(r.lines(), ElementsAre("on_next(1)", "on_error(boom)"));
 }
 
@@ -44,10 +67,10 @@ TEST(SignalQueueTest, SignalsThatCameDuringADrainNeedAnotherTurn) {
     signal_queue<int> queue;
     Recorder r;
     queue.push_value(1);
-    queue.deliver(r.subscriber<int>(), [] {});
+    queue.deliver(r.subscriber<int>(), [](bool) {});
     EXPECT_FALSE(queue.push_value(2)); // the drain that is under way will see it
     EXPECT_TRUE(queue.more());
-    queue.deliver(r.subscriber<int>(), [] {});
+    queue.deliver(r.subscriber<int>(), [](bool) {});
     EXPECT_FALSE(queue.more());
     EXPECT_TRUE(queue.push_value(3)); // idle again: this push schedules the next drain
     EXPECT_THAT(r.lines(), ElementsAre("on_next(1)", "on_next(2)"));
@@ -58,6 +81,6 @@ TEST(SignalQueueTest, DroppedSignalsAreNeverDelivered) {
     Recorder r;
     queue.push_value(1);
     queue.drop();
-    queue.deliver(r.subscriber<int>(), [] {});
+    queue.deliver(r.subscriber<int>(), [](bool) {});
     EXPECT_THAT(r.lines(), IsEmpty());
 }

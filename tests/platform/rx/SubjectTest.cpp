@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <memory>
 #include <stdexcept>
 #include <thread>
 
@@ -33,6 +34,18 @@ TEST(SubjectTest, ValuesGoToObserversInSubscriptionOrder) {
     subject.get_subscriber().on_next(1);
     subject.get_subscriber().on_next(2);
     EXPECT_THAT(order, ElementsAre("a1", "b1", "c1", "a2", "b2", "c2"));
+}
+
+TEST(SubjectTest, AValueGivenUpGoesByMoveToTheLastObserverAndAsACopyToTheOthers) {
+    rxcpp::subjects::subject<std::shared_ptr<int>> subject;
+    std::vector<long> owners;
+    for (int i = 0; i < 2; ++i)
+        subject.get_observable().subscribe(
+            [&owners](std::shared_ptr<int> v) { owners.push_back(v.use_count()); },
+            [](std::exception_ptr) {});
+    subject.get_subscriber().on_next(std::make_shared<int>(1));
+    // The first observer's copy shares the value with the one still to go to the last.
+    EXPECT_THAT(owners, ElementsAre(2, 1));
 }
 
 TEST(SubjectTest, LateObserverGetsTheCompletionAtOnce) {

@@ -57,6 +57,12 @@ public:
             }
         }
     }
+    void on_next_moved(U&& u) override {
+        if constexpr (State::keeps_inner)
+            state->out.on_next(std::move(u));
+        else
+            on_next(u);
+    }
     void on_error(std::exception_ptr e) override { state->fail(std::move(e)); }
     void on_completed() override { state->complete_one(); }
 

@@ -10,7 +10,7 @@ observable<map_result_t<T, S>> map(const observable<T>& source, S selector) {
     using U = map_result_t<T, S>;
     return make_observable<U>([source, selector](const subscriber<U>& o) {
         source.subscribe(
-            make_forwarder<T>(o, [selector](const subscriber<U>& dest, const T& v) mutable {
+            make_forwarder<T>(o, [selector](const subscriber<U>& dest, const auto& v) mutable {
                 // dest.on_next catches what its own observer throws, so only the selector's
                 // throws land here.
                 try {

@@ -17,7 +17,7 @@ public:
 
     void schedule_drain() {
         w.schedule([self = this->shared_from_this()](const schedulers::schedulable& scbl) {
-            self->pending.deliver(self->dest, [] {});
+            self->pending.deliver(self->dest, [](bool) {});
             // Give the worker's other actions a turn before the next batch.
             if (self->pending.more())
                 scbl.schedule();

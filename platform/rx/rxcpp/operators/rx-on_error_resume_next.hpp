@@ -11,6 +11,7 @@ public:
         : dest(std::move(dest))
         , selector(std::move(selector)) {}
     void on_next(const T& v) override { dest.on_next(v); }
+    void on_next_moved(T&& v) override { dest.on_next(std::move(v)); }
     void on_completed() override { dest.on_completed(); }
     void on_error(std::exception_ptr e) override {
         observable<T> resumed;

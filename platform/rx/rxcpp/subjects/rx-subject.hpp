@@ -2,6 +2,7 @@
 
 #include "../rx-observable.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <mutex>
 #include <vector>
@@ -14,6 +15,7 @@ namespace detail {
 // ending that lifetime drops the observers without a signal.
 template <class T>
 class subject_state final : public rxcpp::detail::observer_base<T>,
+                            public rxcpp::detail::source_base<T>,
                             public rxcpp::detail::subscription_state,
                             public std::enable_shared_from_this<subject_state<T>> {
     enum class mode : unsigned char { casting, completed, errored, disposed };
@@ -57,6 +59,12 @@ public:
         });
     }
 
+    // As the source of the subject's observable. The state is never made const: the source's
+    // interface is const because an observable's source is shared by its copies.
+    void on_subscribe(const subscriber<T>& o) const override {
+        const_cast<subject_state*>(this)->add(o);
+    }
+
     bool has_observers() {
         std::lock_guard<rxcpp::detail::spin_lock> guard(lock);
         return observers && !observers->empty();
@@ -74,6 +82,22 @@ public:
             return;
         for (const auto& e : *snapshot)
             e.o.on_next(v);
+    }
+
+    // The last observer takes the value over; the others get copies.
+    void on_next_moved(T&& v) override {
+        std::shared_ptr<const list> snapshot;
+        {
+            std::lock_guard<rxcpp::detail::spin_lock> guard(lock);
+            if (current != mode::casting)
+                return;
+            snapshot = observers;
+        }
+        if (!snapshot || snapshot->empty())
+            return;
+        for (std::size_t i = 0; i + 1 < snapshot->size(); ++i)
+            (*snapshot)[i].o.on_next(v);
+        snapshot->back().o.on_next(std::move(v));
     }
 
     void on_error(std::exception_ptr e) override {
@@ -148,10 +172,8 @@ public:
     subscriber<T> get_subscriber() const { return subscriber<T>(lifetime, state); }
     composite_subscription get_subscription() const { return lifetime; }
 
-    observable<T> get_observable() const {
-        return rxcpp::detail::make_observable<T>(
-            [s = state](const subscriber<T>& o) { s->add(o); });
-    }
+    // The subject's state is the observable's source, so this makes nothing.
+    observable<T> get_observable() const { return observable<T>(dynamic_observable<T>(state)); }
 
 private:
     std::shared_ptr<detail::subject_state<T>> state;
