@@ -59,6 +59,10 @@ Result FrameExtractor::extract(const Request& request) {
     auto* streams = Media::StreamProvider::instance();
     if (!streams)
         throw std::logic_error("Can not extract a thumbnail: no stream provider runs");
+    // Made before anything is decoded: a folder that is missing or can not be written fails here.
+    const std::string output = request.output.toStdString();
+    using Existing = Velmor::OutputFile::Existing;
+    Velmor::OutputFile file(output, request.overwrite ? Existing::Replace : Existing::Keep);
     const auto stream = streams->videoStream(request.path);
     const Velmor::AV::Frame& frame = stream->cutter().frameAt(request.atMilliseconds);
     const bool original = request.width < 1 || request.height < 1;
@@ -68,9 +72,6 @@ Result FrameExtractor::extract(const Request& request) {
     settings.mode = request.mode;
     settings.pixelFormat = Velmor::AV::pixelFormat("rgb24");
     const Velmor::AV::Frame picture = Velmor::Proc::Resizer(settings).Resize(frame);
-    const std::string output = request.output.toStdString();
-    using Existing = Velmor::OutputFile::Existing;
-    Velmor::OutputFile file(output, request.overwrite ? Existing::Replace : Existing::Keep);
     Velmor::AV::writePng(picture, file.descriptor(), output);
     file.commit();
     return Result{stream->cutter().frameMilliseconds(), settings.width, settings.height};

@@ -25,7 +25,8 @@ public:
     // Throws Velmor::Core::PluginError "Can not encode CODEC_ID_PNG: the plug-in EncodersFF is
     // disabled", what the stream provider and the cutter throw, std::logic_error when no stream
     // provider runs, Velmor::AV::MediaError and Velmor::WriteError "Can not write <output>:
-    // <reason>", and Velmor::OutputExists "Output file exists: <output>" for a file that stands
+    // <reason>" (before anything is decoded for a folder that is missing or can not be
+    // written), and Velmor::OutputExists "Output file exists: <output>" for a file that stands
     // at the output when the picture is ready, unless the request overwrites.
     Result extract(const Request& request) override;
 

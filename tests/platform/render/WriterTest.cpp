@@ -10,9 +10,11 @@
 
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <unistd.h>
 
 extern "C" {
 #include <libavutil/channel_layout.h>
@@ -153,6 +155,20 @@ TEST_F(WriterTest, AStreamAddedAfterTheHeaderIsRefused) {
     EXPECT_THAT([&] { writer.addAudio(sound, aac); },
                 FailedWith<std::logic_error>("Can not write " + output()
                                              + ": a stream added after the header"));
+}
+
+// The file is the descriptor, never the name: one open for reading only can't take the output.
+TEST_F(WriterTest, ADescriptorThatCanNotBeWrittenFailsNamingTheOutputWithTheSystemsReason) {
+    const int readOnly = ::open(output().c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(readOnly, 0);
+    EXPECT_THAT(
+        [&] {
+            Writer writer(readOnly, output(), "mp4");
+            writePictures(writer.addVideo(pictures, x264), 5);
+            writer.finish();
+        },
+        FailedWith<MediaError>("Can not write " + output() + ": Bad file descriptor"));
+    ::close(readOnly);
 }
 
 TEST_F(WriterTest, TheAudioFormatIsWhatTheEncoderTakesNearestToWhatIsOffered) {
