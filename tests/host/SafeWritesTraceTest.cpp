@@ -17,10 +17,10 @@ using EditorService::Testing::ToolRun;
 
 namespace {
 
-// The calls that create, open, rename and link files, and what strace shows of each: the
-// descriptor it is relative to, the name, and the flags.
-const QString fileCalls =
-    QStringLiteral("trace=open,openat,openat2,creat,rename,renameat,renameat2,link,linkat");
+// The calls that create, open, rename, link and flush files, and what strace shows of each: the
+// descriptor it is relative to, the name, and the flags; with -y, the path of each descriptor.
+const QString fileCalls = QStringLiteral(
+    "trace=open,openat,openat2,creat,rename,renameat,renameat2,link,linkat,fsync,fdatasync");
 const QRegularExpression openCall(
     QString::fromUtf8(R"re((?:open|openat|openat2|creat)\((?:[^,]+, )?"([^"]*)", ([^,)]*))re"));
 
@@ -46,7 +46,7 @@ protected:
     // The trace's lines of a run that must succeed; `faults` are strace's -e inject= rules.
     QList<QByteArray> traced(const QStringList& arguments, const QStringList& faults = {}) {
         const QString log = directory.filePath(QStringLiteral("trace%1.log").arg(++runs));
-        QStringList options{"-f", "-qq", "-e", fileCalls, "-o", log};
+        QStringList options{"-f", "-qq", "-y", "-e", fileCalls, "-o", log};
         for (const QString& fault : faults)
             options << "-e"
                     << "inject=" + fault;
@@ -82,6 +82,15 @@ protected:
         EXPECT_EQ(created, 1);
     }
 
+    // The number of the first line that contains `text` after line `from`; -1 when none does.
+    static int lineContaining(const QList<QByteArray>& lines, const QByteArray& text, int from) {
+        for (int index = from + 1; index < lines.size(); ++index) {
+            if (lines[index].contains(text))
+                return index;
+        }
+        return -1;
+    }
+
     static int countContaining(const QList<QByteArray>& lines, const QByteArray& text) {
         int count = 0;
         for (const QByteArray& line : lines)
@@ -113,6 +122,23 @@ TEST_P(SafeWritesTraceTest, AnOverwrittenOutputIsCreatedExclusivelyAndRenamedOve
     EXPECT_EQ(countContaining(lines, "renameat("), 1);
     EXPECT_EQ(countContaining(lines, "RENAME_NOREPLACE"), 0);
     EXPECT_GT(QFileInfo(output()).size(), 0);
+}
+
+// So that a power cut after the rename finds the whole output: its bytes reach the disk before
+// the rename, and the folder's entry after it.
+TEST_P(SafeWritesTraceTest, TheFileIsFlushedBeforeItIsRenamedAndItsFolderAfter) {
+    const auto lines = traced(GetParam().quick(output(), 0));
+    const QByteArray folder = QFileInfo(directory.path()).canonicalFilePath().toUtf8();
+    const QByteArray temporary = folder + "/" + GetParam().file.toUtf8() + ".reelsmith-partial-";
+    const int fileFlushed = lineContaining(lines, "fsync(", -1);
+    ASSERT_GE(fileFlushed, 0);
+    EXPECT_TRUE(lines[fileFlushed].contains("<" + temporary)) << lines[fileFlushed].toStdString();
+    const int renamed = lineContaining(lines, "renameat2(", fileFlushed);
+    ASSERT_GT(renamed, fileFlushed);
+    const int folderFlushed = lineContaining(lines, "fsync(", renamed);
+    ASSERT_GT(folderFlushed, renamed);
+    EXPECT_TRUE(lines[folderFlushed].contains("<" + folder + ">"))
+        << lines[folderFlushed].toStdString();
 }
 
 // As on a network filesystem that can't rename without replacing: a new link never replaces.
