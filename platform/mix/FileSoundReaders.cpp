@@ -33,17 +33,14 @@ public:
         , stream(demuxer.bestStream("audio"))
         , resampler(shape.sampleFormat, shape.sampleRate, shape.channels)
         , rate(shape.sampleRate)
-        , next(SampleTimes(shape.sampleRate).sampleAt(fromMs)) {
+        , start(SampleTimes(shape.sampleRate).sampleAt(fromMs)) {
         if (stream < 0)
             return;
         demuxer.readOnly(stream);
         decoder.emplace(demuxer, stream, 1);
-        fileStart = Velmor::AV::rescale(demuxer.startTime(), {1, 1000000}, {1, rate});
+        fileStart = Velmor::AV::rescale(demuxer.startTime(), microseconds, {1, rate});
         if (fromMs > prerollMs)
-            demuxer.seek(
-                stream,
-                Velmor::AV::rescale(demuxer.startTime(), {1, 1000000}, demuxer.timeBase(stream))
-                    + Velmor::AV::rescale(fromMs - prerollMs, {1, 1000}, demuxer.timeBase(stream)));
+            seekTo(fromMs - prerollMs);
     }
 
     void read(Frame& block, int offset, int count) override { take(&block, offset, count); }
@@ -57,6 +54,15 @@ public:
     }
 
 private:
+    static constexpr Velmor::AV::Rational microseconds{1, 1000000};
+
+    // Times count from the file's start, which the stream's timestamps need not.
+    void seekTo(std::int64_t milliseconds) {
+        const Velmor::AV::Rational unit = demuxer.timeBase(stream);
+        demuxer.seek(stream, Velmor::AV::rescale(demuxer.startTime(), microseconds, unit)
+                                 + Velmor::AV::rescale(milliseconds, {1, 1000}, unit));
+    }
+
     // Gives the next `count` samples, into the block when there is one.
     void take(Frame* block, int offset, int count) {
         while (count > 0) {
@@ -68,9 +74,12 @@ private:
                 count -= part;
                 continue;
             }
-            if (used == pending.samples() && !decodeMore()) {
-                silence(block, offset, count);
-                return;
+            if (used == pending.samples()) {
+                if (!decodeMore()) {
+                    silence(block, offset, count);
+                    return;
+                }
+                continue;
             }
             const int part = std::min(count, pending.samples() - used);
             for (int channel = 0; block && channel < Velmor::AV::shapeOf(*block).channels;
@@ -93,6 +102,7 @@ private:
             used = 0;
             if (aligned || align())
                 return true;
+            used = pending.samples();
         }
         return false;
     }
@@ -109,10 +119,10 @@ private:
     // silence before a sound that starts after it. False when the whole block comes before.
     bool align() {
         const std::int64_t at = pending.timestamp() - fileStart;
-        if (at + pending.samples() <= next)
+        if (at + pending.samples() <= start)
             return false;
-        used = static_cast<int>(std::max<std::int64_t>(next - at, 0));
-        gap = std::max<std::int64_t>(at - next, 0);
+        used = static_cast<int>(std::max<std::int64_t>(start - at, 0));
+        gap = std::max<std::int64_t>(at - start, 0);
         aligned = true;
         return true;
     }
@@ -124,7 +134,8 @@ private:
     const int rate;
     // Where the file starts, and the start time, in samples of the mix's rate.
     std::int64_t fileStart = 0;
-    const std::int64_t next;
+    const std::int64_t start;
+    // Converted samples, given up to `used`.
     Frame pending;
     int used = 0;
     std::int64_t gap = 0;

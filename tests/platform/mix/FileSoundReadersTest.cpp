@@ -50,6 +50,18 @@ TEST(FileSoundReadersTest, TheSoundIsSilentAfterItsEnd) {
         ASSERT_EQ(samples[index], 0.0f) << index;
 }
 
+TEST(FileSoundReadersTest, AReaderFromPastTheSoundsEndGivesSilence) {
+    for (const float value : read("ramp.wav", 1500, 2000))
+        ASSERT_EQ(value, 0.0f);
+}
+
+TEST(FileSoundReadersTest, ASoundThatStartsAfterItsFileIsSilentBefore) {
+    const std::vector<float> samples = read("late_sound.mov", 200, 24000);
+    EXPECT_EQ(samples[14399], 0.0f);
+    EXPECT_EQ(samples[14400], 0.5f);
+    EXPECT_EQ(samples[24000 + 23999], 0.5f);
+}
+
 TEST(FileSoundReadersTest, ReadersOpenedAlikeGiveTheSameSamples) {
     const std::vector<float> first = read("h264_aac.mp4", 1200, 4800);
     const std::vector<float> second = read("h264_aac.mp4", 1200, 4800);
