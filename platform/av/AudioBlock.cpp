@@ -68,6 +68,20 @@ const float* channelOf(const Frame& block, int channel) {
     return reinterpret_cast<const float*>(channelData(block, channel));
 }
 
+void addSamples(Frame& into, const Frame& from, int offset) {
+    const int samples = from.samples();
+    if (offset < 0 || offset + samples > into.samples())
+        throw std::out_of_range("Samples " + std::to_string(offset) + " to "
+                                + std::to_string(offset + samples) + " are not in a block of "
+                                + std::to_string(into.samples()));
+    for (int channel = 0; channel < shapeOf(into).channels; ++channel) {
+        float* to = channelOf(into, channel) + offset;
+        const float* added = channelOf(from, channel);
+        for (int index = 0; index < samples; ++index)
+            to[index] += added[index];
+    }
+}
+
 std::string metadataOf(const Frame& frame, const std::string& key) {
     const AVDictionaryEntry* entry = av_dict_get(frame->metadata, key.c_str(), nullptr, 0);
     return entry ? entry->value : std::string();

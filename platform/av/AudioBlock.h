@@ -38,6 +38,9 @@ AudioShape shapeOf(const Frame& block);
 // block's buffers, which must then be its own (silentBlock, or writable after filtering).
 float* channelOf(Frame& block, int channel);
 const float* channelOf(const Frame& block, int channel);
+// Adds the samples of `from` to those of `into` from its sample `offset` on; both planar float
+// of as many channels. Throws std::out_of_range when `from` does not fit there.
+void addSamples(Frame& into, const Frame& from, int offset = 0);
 // The value of a frame's metadata entry (the libavfilter filters' measurements); empty when the
 // frame has none of that key.
 std::string metadataOf(const Frame& frame, const std::string& key);

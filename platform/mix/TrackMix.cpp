@@ -4,22 +4,6 @@
 #include "platform/mix/TrackPlayer.h"
 
 namespace Mixing {
-namespace {
-
-// Adds the blocks by hand: they line up sample for sample. libavfilter's amix takes a fixed set
-// of inputs when its graph is configured and waits on each, so clips that come and go would
-// each need an input fed with silence over the whole project.
-void addInto(Velmor::AV::Frame& mix, const Velmor::AV::Frame& track) {
-    const int samples = mix.samples();
-    for (int channel = 0; channel < Velmor::AV::shapeOf(mix).channels; ++channel) {
-        float* into = Velmor::AV::channelOf(mix, channel);
-        const float* from = Velmor::AV::channelOf(track, channel);
-        for (int index = 0; index < samples; ++index)
-            into[index] += from[index];
-    }
-}
-
-} // namespace
 
 class TrackMix::Private {
 public:
@@ -47,6 +31,9 @@ Velmor::AV::Frame TrackMix::videoTrack(std::int64_t at, int samples) {
     return block;
 }
 
+// Adds the tracks by hand: their blocks line up sample for sample. libavfilter's amix takes a
+// fixed set of inputs when its graph is configured and waits on each, so clips that come and go
+// would each need an input fed with silence over the whole project.
 void TrackMix::addAudioTracks(Velmor::AV::Frame& mix, std::int64_t at,
                               const std::vector<GainCurve>& ducks) {
     for (std::size_t index = 0; index < d->audio.size(); ++index) {
@@ -59,7 +46,7 @@ void TrackMix::addAudioTracks(Velmor::AV::Frame& mix, std::int64_t at,
             Velmor::AV::silentBlock(d->shape.sampleRate, d->shape.channels, mix.samples());
         d->audio[index]->addTo(track, at);
         ducks[index].apply(track, at);
-        addInto(mix, track);
+        Velmor::AV::addSamples(mix, track);
     }
 }
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <optional>
 #include <sstream>
-#include <stdexcept>
 
 namespace Mixing {
 namespace {
@@ -36,17 +35,6 @@ std::vector<FilterSpec> voiceFilters(const Voice& voice) {
     if (voice.fadeOut)
         filters.push_back(fadeFilter(*voice.fadeOut, "out"));
     return filters;
-}
-
-void addInto(Frame& block, const Frame& part, int offset) {
-    const int channels = Velmor::AV::shapeOf(block).channels;
-    const int samples = part.samples();
-    for (int channel = 0; channel < channels; ++channel) {
-        float* into = Velmor::AV::channelOf(block, channel) + offset;
-        const float* from = Velmor::AV::channelOf(part, channel);
-        for (int index = 0; index < samples; ++index)
-            into[index] += from[index];
-    }
 }
 
 } // namespace
@@ -85,11 +73,9 @@ public:
         chain.push(part);
         Frame filtered;
         while (chain.pull(filtered)) {
-            const std::int64_t offset = filtered.timestamp() - blockStart;
             // volume and afade give each block back at once, at its own time.
-            if (offset < 0 || offset + filtered.samples() > block.samples())
-                throw std::logic_error("A voice's filters moved its samples in time");
-            addInto(block, filtered, static_cast<int>(offset));
+            Velmor::AV::addSamples(block, filtered,
+                                   static_cast<int>(filtered.timestamp() - blockStart));
         }
         position += count;
     }

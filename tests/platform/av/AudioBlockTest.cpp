@@ -64,6 +64,22 @@ TEST(AudioBlockTest, SampleFormatsAreNamedAsFfmpegNamesThem) {
                 FailedWith<std::invalid_argument>("No sample format named \"float\""));
 }
 
+TEST(AudioBlockTest, SamplesAreAddedFromAnOffset) {
+    Frame into = silentBlock(48000, 2, 6);
+    Frame from = silentBlock(48000, 2, 2);
+    std::fill_n(channelOf(into, 1), 6, 0.25f);
+    channelOf(from, 1)[0] = 0.5f;
+    channelOf(from, 1)[1] = -0.25f;
+    addSamples(into, from, 3);
+    EXPECT_EQ(channelOf(into, 1)[2], 0.25f);
+    EXPECT_EQ(channelOf(into, 1)[3], 0.75f);
+    EXPECT_EQ(channelOf(into, 1)[4], 0.0f);
+    EXPECT_EQ(channelOf(into, 1)[5], 0.25f);
+    EXPECT_EQ(channelOf(into, 0)[3], 0.0f);
+    EXPECT_THAT([&] { addSamples(into, from, 5); },
+                FailedWith<std::out_of_range>("Samples 5 to 7 are not in a block of 6"));
+}
+
 TEST(AudioBlockTest, MetadataIsReadByKey) {
     Frame frame;
     av_dict_set(&frame->metadata, "lavfi.r128.I", "-23.0", 0);

@@ -52,6 +52,15 @@ protected:
 
     std::string wav() const { return directory.filePath("mix.wav").toStdString(); }
 
+    // ffmpeg's measure of the mix of a sound fixture brought to a loudness.
+    Loudness normalised(const std::string& sound, int lufs) {
+        mixed(R"({"reelsmith_project": 1, "loudness_lufs": )" + std::to_string(lufs) + R"(,
+            "tracks": [{"type": "video", "clips": [{"color": "#000000", "duration_ms": 3000}]},
+                       {"type": "audio", "clips": [{"source": "MEDIA/)"
+              + sound + R"("}]}]})");
+        return measuredLoudness(wav());
+    }
+
     QTemporaryDir directory;
 };
 
@@ -143,21 +152,13 @@ TEST_F(MixerMediaTest, MusicDucksUnderTheVoiceByItsAmountWithItsAttackAndRelease
 }
 
 TEST_F(MixerMediaTest, TheMixIsBroughtToItsLoudness) {
-    const std::vector<float> samples = mixed(R"({"reelsmith_project": 1, "loudness_lufs": -16,
-        "tracks": [
-        {"type": "video", "clips": [{"color": "#000000", "duration_ms": 3000}]},
-        {"type": "audio", "clips": [{"source": "MEDIA/noise.wav"}]}]})");
-    const Loudness loudness = measuredLoudness(wav());
+    const Loudness loudness = normalised("noise.wav", -16);
     EXPECT_NEAR(loudness.integrated, -16, 1);
     EXPECT_LE(loudness.truePeak, -1);
 }
 
 TEST_F(MixerMediaTest, PeaksThatTheLoudnessRaisesAreLimited) {
-    const std::vector<float> samples = mixed(R"({"reelsmith_project": 1, "loudness_lufs": -12,
-        "tracks": [
-        {"type": "video", "clips": [{"color": "#000000", "duration_ms": 3000}]},
-        {"type": "audio", "clips": [{"source": "MEDIA/clicks.wav"}]}]})");
-    const Loudness loudness = measuredLoudness(wav());
+    const Loudness loudness = normalised("clicks.wav", -12);
     EXPECT_NEAR(loudness.integrated, -12, 1);
     EXPECT_LE(loudness.truePeak, -1);
 }
