@@ -1,8 +1,11 @@
 #include "media/ThumbnailService.h"
 
 #include "media/CallbackStream.h"
+#include "media/ProjectInputs.h"
 #include "media/RuntimeAccess.h"
+#include "platform/editorlogic/FileController.h"
 #include "platform/editorlogic/ThumbnailController.h"
+#include "platform/project/EditReader.h"
 
 #include <stdexcept>
 
@@ -36,6 +39,16 @@ nlohmann::json describe(const ThumbnailRequest& request, const Thumbnail::Result
 rxcpp::observable<nlohmann::json> thumbnail(const ThumbnailRequest& request) {
     return callbackStream<Thumbnail::Result>(
         [request](Thumbnail::Controller::Done done, Thumbnail::Controller::Wanted wanted) {
+            if (Project::looksLikeProject(request.path)) {
+                // A project's frame is composed, not taken from a decoded stream: it needs the
+                // media runtime alone.
+                requireRuntime(GlobalContextProvider::Media);
+                auto* files = Media::FileController::instance();
+                if (!files)
+                    throw std::logic_error("The media context has no file controller");
+                projectThumbnail(*files, toTask(request), std::move(done), std::move(wanted));
+                return;
+            }
             requireRuntime(GlobalContextProvider::Render);
             auto* thumbnails = Thumbnail::Controller::instance();
             if (!thumbnails)
