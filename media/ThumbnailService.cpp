@@ -36,24 +36,31 @@ nlohmann::json describe(const ThumbnailRequest& request, const Thumbnail::Result
               {"height", result.height}}}};
 }
 
+// Media go first, so that a script of thumbnails of one file opens it once through the stream
+// cache: a file is looked at as a project only when the media libraries can not take it. A
+// project's frame is composed on the file controller's thread rather than taken from a stream.
+Thumbnail::Controller::Done mediaOrProject(const ThumbnailRequest& request,
+                                           Thumbnail::Controller::Done done,
+                                           Thumbnail::Controller::Wanted wanted) {
+    return [request, done, wanted](const Thumbnail::Result& result, std::exception_ptr error) {
+        auto* files = Media::FileController::instance();
+        if (!error || !files || !Project::looksLikeProject(request.path)) {
+            done(result, error);
+            return;
+        }
+        projectThumbnail(*files, toTask(request), done, wanted);
+    };
+}
+
 rxcpp::observable<nlohmann::json> thumbnail(const ThumbnailRequest& request) {
     return callbackStream<Thumbnail::Result>(
         [request](Thumbnail::Controller::Done done, Thumbnail::Controller::Wanted wanted) {
-            if (Project::looksLikeProject(request.path)) {
-                // A project's frame is composed, not taken from a decoded stream: it needs the
-                // media runtime alone.
-                requireRuntime(GlobalContextProvider::Media);
-                auto* files = Media::FileController::instance();
-                if (!files)
-                    throw std::logic_error("The media context has no file controller");
-                projectThumbnail(*files, toTask(request), std::move(done), std::move(wanted));
-                return;
-            }
             requireRuntime(GlobalContextProvider::Render);
             auto* thumbnails = Thumbnail::Controller::instance();
             if (!thumbnails)
                 throw std::logic_error("The render context has no thumbnail controller");
-            thumbnails->extract(toTask(request), std::move(done), std::move(wanted));
+            thumbnails->extract(toTask(request), mediaOrProject(request, std::move(done), wanted),
+                                wanted);
         },
         [request](const Thumbnail::Result& result) { return describe(request, result); });
 }
