@@ -68,9 +68,8 @@ protected:
 
 TEST_F(ProjectExporterTest, ProgressFollowsEachComposedFrameUpToTheWhole) {
     std::vector<ExportProgress> values;
-    const ExportResult result = Exporter(settings(colours(1600))).run([&](const auto& value) {
-        values.push_back(value);
-    });
+    const ExportResult result =
+        Exporter(settings(colours(1600))).run([&](const auto& value) { values.push_back(value); });
     EXPECT_EQ(result.frames, 40);
     EXPECT_EQ(result.video.width, 64);
     EXPECT_EQ(result.video.height, 48);
