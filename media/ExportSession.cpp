@@ -4,6 +4,7 @@
 #include "media/ExportRegistry.h"
 #include "media/ExportValues.h"
 #include "media/ProgressPacer.h"
+#include "media/ProjectInputs.h"
 #include "media/StreamGate.h"
 #include "platform/editorlogic/FileController.h"
 #include "platform/editorlogic/TaskController.h"
@@ -323,8 +324,8 @@ void ExportSession::begin(Media::FileController& files) {
     auto session = shared_from_this();
     d->registry->add(session);
     d->gate.onUnsubscribe([session] { session->cancel(); });
-    files.parse(
-        d->request.path,
+    parseInput(
+        files, d->request.path,
         [session](const Velmor::AV::MediaInfo& info, std::exception_ptr error) {
             session->d->parsed(info, error);
         },

@@ -1,6 +1,7 @@
 #include "media/ProbeService.h"
 
 #include "media/CallbackStream.h"
+#include "media/ProjectInputs.h"
 #include "media/RuntimeAccess.h"
 #include "platform/editorlogic/FileController.h"
 
@@ -46,7 +47,7 @@ rxcpp::observable<nlohmann::json> probe(const QString& path) {
             auto* files = Media::FileController::instance();
             if (!files)
                 throw std::logic_error("The media context has no file controller");
-            files->parse(path, std::move(done), std::move(wanted));
+            parseInput(*files, path, std::move(done), std::move(wanted));
         },
         [path](const Velmor::AV::MediaInfo& info) { return describe(path, info); });
 }

@@ -2,8 +2,11 @@
 
 #include "media/CallbackStream.h"
 #include "media/ExistingOutput.h"
+#include "media/ProjectInputs.h"
 #include "media/RuntimeAccess.h"
+#include "platform/editorlogic/FileController.h"
 #include "platform/editorlogic/ThumbnailController.h"
+#include "platform/project/EditReader.h"
 
 #include <stdexcept>
 
@@ -35,6 +38,22 @@ nlohmann::json describe(const ThumbnailRequest& request, const Thumbnail::Result
               {"height", result.height}}}};
 }
 
+// Media go first, so that a script of thumbnails of one file opens it once through the stream
+// cache: a file is looked at as a project only when the media libraries can not take it. A
+// project's frame is composed on the file controller's thread rather than taken from a stream.
+Thumbnail::Controller::Done mediaOrProject(const ThumbnailRequest& request,
+                                           Thumbnail::Controller::Done done,
+                                           Thumbnail::Controller::Wanted wanted) {
+    return [request, done, wanted](const Thumbnail::Result& result, std::exception_ptr error) {
+        auto* files = Media::FileController::instance();
+        if (!error || !files || !Project::looksLikeProject(request.path)) {
+            done(result, error);
+            return;
+        }
+        projectThumbnail(*files, toTask(request), done, wanted);
+    };
+}
+
 rxcpp::observable<nlohmann::json> thumbnail(const ThumbnailRequest& request) {
     auto taken = callbackStream<Thumbnail::Result>(
         [request](Thumbnail::Controller::Done done, Thumbnail::Controller::Wanted wanted) {
@@ -44,10 +63,13 @@ rxcpp::observable<nlohmann::json> thumbnail(const ThumbnailRequest& request) {
                 throw std::logic_error("The render context has no thumbnail controller");
             thumbnails->extract(
                 toTask(request),
-                [done](const Thumbnail::Result& result, std::exception_ptr error) {
-                    done(result, ExistingOutput::asCheckFailure(error));
-                },
-                std::move(wanted));
+                mediaOrProject(
+                    request,
+                    [done](const Thumbnail::Result& result, std::exception_ptr error) {
+                        done(result, ExistingOutput::asCheckFailure(error));
+                    },
+                    wanted),
+                wanted);
         },
         [request](const Thumbnail::Result& result) { return describe(request, result); });
     return ExistingOutput::checkedFirst("thumbnail", request.output, request.overwrite,

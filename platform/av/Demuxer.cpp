@@ -187,12 +187,21 @@ int Demuxer::bestStream(const std::string& type) const {
     return found < 0 ? -1 : found;
 }
 
+void Demuxer::readOnly(int streamIndex) {
+    for (unsigned index = 0; index < d->context->nb_streams; ++index)
+        d->context->streams[index]->discard =
+            static_cast<int>(index) == streamIndex ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+}
+
 bool Demuxer::read(Packet& packet) {
-    packet.reset();
-    const int result = av_read_frame(d->context.get(), packet.get());
-    if (result == AVERROR_EOF)
-        return false;
-    check(result, "Can not read media file: " + d->path);
+    do {
+        packet.reset();
+        const int result = av_read_frame(d->context.get(), packet.get());
+        if (result == AVERROR_EOF)
+            return false;
+        check(result, "Can not read media file: " + d->path);
+        // What probing the streams read comes first, of every stream.
+    } while (stream(packet.streamIndex())->discard == AVDISCARD_ALL);
     return true;
 }
 

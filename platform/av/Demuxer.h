@@ -48,6 +48,10 @@ public:
     // The stream the library takes for the best of the type ("video", "audio"); -1 for none.
     int bestStream(const std::string& type) const;
 
+    // Reads only the packets of one stream from now on: the others are skipped, where the
+    // container lets the library pass over their bytes without reading them.
+    void readOnly(int streamIndex);
+
     // The next packet of any stream; false at the end of the file. Throws MediaError
     // "Can not read media file: <path>: <reason>"; an interrupted read throws it too.
     bool read(Packet& packet);

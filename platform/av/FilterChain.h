@@ -1,21 +1,13 @@
 #pragma once
 
+#include "platform/av/FilterSpec.h"
 #include "platform/av/Frame.h"
 #include "platform/av/Geometry.h"
 
 #include <memory>
-#include <string>
-#include <utility>
 #include <vector>
 
 namespace Velmor::AV {
-
-// One libavfilter video filter with its options, each set by name through the filter's own
-// options, so that a text (drawtext's "text") needs no escaping for a filter graph string.
-struct FilterSpec {
-    std::string name;
-    std::vector<std::pair<std::string, std::string>> options;
-};
 
 // A chain of libavfilter video filters from one input to one output, for pictures of one size
 // and pixel format: each run pushes one picture and takes the one picture that comes out. Made

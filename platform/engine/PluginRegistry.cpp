@@ -1,6 +1,7 @@
 #include "platform/engine/PluginRegistry.h"
 
 #include "platform/av/CodecSets.h"
+#include "platform/av/EffectFilters.h"
 #include "platform/engine/Probe.h"
 
 #include <algorithm>
@@ -27,6 +28,8 @@ LoadedPlugin PluginRegistry::Load(const std::string& pluginName) {
         AV::findDecoding();
     else if (pluginName == "EncodersFF")
         plugin.encoders = AV::findEncoders();
+    else if (pluginName == "EffectsFF")
+        AV::findEffectFilters();
     return plugin;
 }
 

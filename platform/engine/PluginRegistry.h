@@ -20,8 +20,9 @@ public:
     static bool IsKnown(const std::string& pluginName);
 
     // Loads a known plug-in. "DecodersFF" and "EncodersFF" ask the media libraries for their
-    // demuxers and decoders, and for the editor's encoders; the others find nothing to load
-    // in this build. Throws what the libraries throw.
+    // demuxers and decoders, and for the editor's encoders; "EffectsFF" for the filters that
+    // titles and the audio mix are made with; the others find nothing to load in this build.
+    // Throws what the libraries throw.
     static LoadedPlugin Load(const std::string& pluginName);
 };
 

@@ -3,6 +3,9 @@
 #include "platform/av/Picture.h"
 #include "platform/engine/CoreManager.h"
 #include "platform/foundation/OutputFile.h"
+#include "platform/project/EditReader.h"
+#include "platform/projectrender/ProjectLoader.h"
+#include "platform/projectrender/ProjectSource.h"
 #include "platform/render/ClipSource.h"
 #include "platform/render/ProgressMeter.h"
 #include "platform/render/ResizedVideo.h"
@@ -42,13 +45,17 @@ AV::RateControl rateControl(BitrateMode mode) {
     return AV::RateControl::Auto;
 }
 
+std::optional<Render::ClipSettings::Range> microseconds(const Types::Range& range) {
+    if (!range.isValid())
+        return std::nullopt;
+    return Render::ClipSettings::Range{std::min(range.start(), range.end()) * 1000,
+                                       std::max(range.start(), range.end()) * 1000};
+}
+
 Render::ClipSettings clipSettings(const ExportSettings& settings) {
     Render::ClipSettings clip;
     clip.path = settings.input;
-    const Types::Range& range = settings.range;
-    if (range.isValid())
-        clip.range = Render::ClipSettings::Range{std::min(range.start(), range.end()) * 1000,
-                                                 std::max(range.start(), range.end()) * 1000};
+    clip.range = microseconds(settings.range);
     return clip;
 }
 
@@ -83,6 +90,8 @@ class Exporter::Private {
 public:
     ExportSettings settings;
     std::atomic<bool> cancelled{false};
+    // A project input, read and validated before anything is written; none for a media file.
+    std::optional<Project::Edit> project;
 
     // The runner of the export under way, for cancel().
     std::mutex runnerMutex;
@@ -100,6 +109,9 @@ public:
     ExportResult render(const Progress& progress, const EncoderNames& encoders, OutputFile& file);
     ExportResult wire(Render::Runner& runner, const Progress& progress,
                       const EncoderNames& encoders, OutputFile& file);
+    template <typename Input>
+    ExportResult wireInput(Render::Runner& runner, Input& input, const Progress& progress,
+                           const EncoderNames& encoders, OutputFile& file);
 };
 
 ExportResult Exporter::Private::render(const Progress& progress, const EncoderNames& encoders,
@@ -121,29 +133,40 @@ ExportResult Exporter::Private::render(const Progress& progress, const EncoderNa
     return wire(renderRunner, progress, encoders, file);
 }
 
-// Decoding, resizing and encoding the pictures each on a thread of its own, the sound on one
-// more; the demuxer read by whichever of them needs a packet.
 ExportResult Exporter::Private::wire(Render::Runner& runner, const Progress& progress,
                                      const EncoderNames& encoders, OutputFile& file) {
-    const Preset& preset = settings.preset;
+    if (project) {
+        Render::ProjectSource composed(*project, microseconds(settings.range), runner.stop());
+        return wireInput(runner, composed, progress, encoders, file);
+    }
     Render::ClipSource clip(clipSettings(settings), runner.stop());
-    Render::VideoSource& decoded = runner.boundary(*clip.video(), pictureCapacity);
-    Render::ResizedVideo resized(decoded, resizing(preset, decoded.format()));
+    return wireInput(runner, clip, progress, encoders, file);
+}
+
+// Making (decoding or composing), resizing and encoding the pictures each on a thread of its
+// own, the sound on one more; a media file's demuxer read by whichever of them needs a packet.
+template <typename Input>
+ExportResult Exporter::Private::wireInput(Render::Runner& runner, Input& input,
+                                          const Progress& progress, const EncoderNames& encoders,
+                                          OutputFile& file) {
+    const Preset& preset = settings.preset;
+    Render::VideoSource& made = runner.boundary(*input.video(), pictureCapacity);
+    Render::ResizedVideo resized(made, resizing(preset, made.format()));
     Render::VideoSource& pictures = runner.boundary(resized, pictureCapacity);
 
     Render::Writer writer(file.descriptor(), settings.output, preset.container());
     const Render::VideoEncoding video{encoders.video, rateControl(preset.videoBitrateMode()),
                                       preset.videoBitrateBps()};
     runner.connect(pictures, writer.addVideo(pictures.format(), video));
-    if (const std::optional<Render::AudioFormat> input = clip.inputAudio()) {
+    if (const std::optional<Render::AudioFormat> offered = input.inputAudio()) {
         const Render::AudioEncoding audio{encoders.audio, preset.audioBitrateBps()};
-        Render::AudioSource& sound = *clip.audio(Render::Writer::audioFormat(audio, *input));
+        Render::AudioSource& sound = *input.audio(Render::Writer::audioFormat(audio, *offered));
         runner.connect(sound, writer.addAudio(sound.format(), audio));
     }
 
     std::optional<Render::ProgressMeter> meter;
     if (progress) {
-        meter.emplace(clip.durationMs(), [&progress](const Render::Progress& value) {
+        meter.emplace(input.durationMs(), [&progress](const Render::Progress& value) {
             progress(ExportProgress{value.progress, value.frames, value.fps});
         });
         writer.onEncoded(
@@ -187,6 +210,12 @@ ExportResult Exporter::run(const Progress& progress) {
                                 core.EncoderFor(preset.audioCodec())};
     if (d->cancelled)
         throw d->cancelledFailure();
+    // A bad project fails before anything is written, with the project's words.
+    const QString input = QString::fromStdString(d->settings.input);
+    if (Project::looksLikeProject(input)) {
+        d->project = Render::loadProject(input);
+        Render::requireRenderPlugins(*d->project);
+    }
     // Made before anything is decoded: a folder that is missing or can not be written fails here.
     const auto existing =
         d->settings.overwrite ? OutputFile::Existing::Replace : OutputFile::Existing::Keep;

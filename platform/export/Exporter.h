@@ -11,8 +11,9 @@
 
 namespace Export {
 
-// What an export is to do: read `input`, and write `output` as the ready preset says
-// (container, video codec, frame size and fill mode, bitrate mode and rates, audio rate).
+// What an export is to do: read `input` (a media file, or a project file that it composes and
+// mixes), and write `output` as the ready preset says (container, video codec, frame size and
+// fill mode, bitrate mode and rates, audio rate).
 struct ExportSettings {
     std::string input;
     std::string output;
@@ -74,9 +75,11 @@ public:
     ~Exporter();
 
     // Runs the export to its end on the calling thread and the stages' threads, calling
-    // `progress` from time to time on one of them. Throws the failure that ended it (among them
-    // Velmor::WriteError "Can not write <output>: <reason>", at once for a folder that is
-    // missing or can not be written), and ExportCancelled after cancel().
+    // `progress` from time to time on one of them. A project is read, validated and checked
+    // against the plug-ins first: it fails before anything is written. Throws the failure that
+    // ended it (among them Project::ProjectError for a bad project, and Velmor::WriteError "Can
+    // not write <output>: <reason>", at once for a folder that is missing or can not be
+    // written), and ExportCancelled after cancel().
     ExportResult run(const Progress& progress);
     // Ends a running export within one frame's work, from any thread; a blocked read of the
     // input gives up too.

@@ -78,6 +78,18 @@ TEST(DemuxerTest, ReadsEveryPacketThenReportsTheEnd) {
     EXPECT_FALSE(demuxer.read(packet));
 }
 
+TEST(DemuxerTest, ReadingOnlyOneStreamSkipsTheOthers) {
+    Demuxer demuxer(mediaFixture("h264_aac.mp4"));
+    demuxer.readOnly(1);
+    Packet packet;
+    int packets = 0;
+    while (demuxer.read(packet)) {
+        EXPECT_EQ(packet.streamIndex(), 1);
+        ++packets;
+    }
+    EXPECT_GT(packets, 80);
+}
+
 TEST(DemuxerTest, SeekingBackwardsLandsOnAKeyFrameAtOrBeforeTheTime) {
     Demuxer demuxer(mediaFixture("noaudio.mp4"));
     Packet packet;
