@@ -1,5 +1,7 @@
 #include "media/ExportValues.h"
 
+#include "media/QueuedValue.h"
+
 #include <cmath>
 
 namespace EditorService::ExportValues {
@@ -11,7 +13,7 @@ Json skipped(const std::string& output) {
 }
 
 Json queued(const std::string& output, int ahead) {
-    return {{"export", {{"output", output}, {"queued", true}, {"ahead", ahead}}}};
+    return queuedValue("export", "output", output, ahead);
 }
 
 Json progress(const std::string& output, const Export::ExportProgress& progress) {
