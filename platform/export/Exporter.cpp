@@ -89,6 +89,9 @@ ExportResult exportResult(const Render::WriterResult& written) {
 
 } // namespace
 
+ExportCancelled::ExportCancelled(const std::string& output)
+    : std::runtime_error("Export cancelled: " + output) {}
+
 class Exporter::Private {
 public:
     ExportSettings settings;
@@ -104,9 +107,7 @@ public:
     std::condition_variable runEnded;
     bool running = false;
 
-    ExportCancelled cancelledFailure() const {
-        return ExportCancelled("Export cancelled: " + settings.output);
-    }
+    ExportCancelled cancelledFailure() const { return ExportCancelled(settings.output); }
 
     ExportResult throughTemporary(const std::function<ExportResult()>& write);
     ExportResult render(const Progress& progress, const EncoderNames& encoders);

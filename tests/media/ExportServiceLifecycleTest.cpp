@@ -170,7 +170,7 @@ public:
             QFile::remove(QString::fromStdString(temporary));
             if (how == Gate::Release::Fail)
                 throw std::runtime_error("No space left on device");
-            throw Export::ExportCancelled("Export cancelled: " + settings.output);
+            throw Export::ExportCancelled(settings.output);
         }
         file.write(QByteArray(100, 'x'));
         file.close();
