@@ -1,18 +1,18 @@
 #include "media/ProbeService.h"
 
 #include "platform/editorlogic/FileController.h"
+#include "tests/media/HeldTurn.h"
 #include "tests/media/MediaServiceFixture.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/ManualScheduler.h"
 
-#include <condition_variable>
 #include <gtest/gtest.h>
-#include <mutex>
 
 using EditorService::GlobalContextProvider;
 using EditorService::ProbeService;
 using EditorService::Testing::collect;
 using EditorService::Testing::Collected;
+using EditorService::Testing::HeldTurn;
 using EditorService::Testing::ManualScheduler;
 using EditorService::Testing::MediaServiceFixture;
 using EditorService::Testing::spinUntil;
@@ -28,20 +28,11 @@ protected:
         MediaServiceFixture::SetUp();
         startProvider();
         provider->require(GlobalContextProvider::Media);
-        Media::FileController::instance()->submit([this] {
-            std::unique_lock<std::mutex> lock(mutex);
-            released.wait(lock, [this] { return free; });
-        });
+        Media::FileController::instance()->submit(held.job());
     }
     void TearDown() override {
-        release();
+        held.release();
         MediaServiceFixture::TearDown();
-    }
-
-    void release() {
-        std::lock_guard<std::mutex> lock(mutex);
-        free = true;
-        released.notify_all();
     }
 
     std::shared_ptr<Collected> probe(const std::string& name) {
@@ -53,15 +44,9 @@ protected:
         return {
             {"probe", {{"path", fixture(name).toStdString()}, {"queued", true}, {"ahead", ahead}}}};
     }
-    static std::vector<nlohmann::json> valuesOf(const std::shared_ptr<Collected>& collected) {
-        std::lock_guard<std::mutex> lock(collected->mutex);
-        return collected->values;
-    }
 
     std::shared_ptr<ManualScheduler> timer = std::make_shared<ManualScheduler>();
-    std::mutex mutex;
-    std::condition_variable released;
-    bool free = false;
+    HeldTurn held;
 };
 
 } // namespace
@@ -70,21 +55,21 @@ TEST_F(ProbeServiceQueueTest, AWaitingProbeSaysEvery400MsHowManyWaitBeforeIt) {
     const auto first = probe("h264_aac.mp4");
     const auto second = probe("tone.wav");
     timer->advanceBy(399ms);
-    EXPECT_TRUE(valuesOf(first).empty());
+    EXPECT_TRUE(first->valuesNow().empty());
     timer->advanceBy(1ms);
-    EXPECT_EQ(valuesOf(first), std::vector<nlohmann::json>{queued("h264_aac.mp4", 0)});
-    EXPECT_EQ(valuesOf(second), std::vector<nlohmann::json>{queued("tone.wav", 1)});
+    EXPECT_EQ(first->valuesNow(), std::vector<nlohmann::json>{queued("h264_aac.mp4", 0)});
+    EXPECT_EQ(second->valuesNow(), std::vector<nlohmann::json>{queued("tone.wav", 1)});
     timer->advanceBy(400ms);
-    EXPECT_EQ(valuesOf(second).size(), 2u);
+    EXPECT_EQ(second->valuesNow().size(), 2u);
 }
 
 TEST_F(ProbeServiceQueueTest, AProbeWhoseTurnCameSaysNoMoreThatItWaits) {
     const auto only = probe("h264_aac.mp4");
     timer->advanceBy(400ms);
-    release();
+    held.release();
     ASSERT_TRUE(spinUntil([&] { return only->ended(); }));
     timer->advanceBy(2000ms);
-    const auto values = valuesOf(only);
+    const auto values = only->valuesNow();
     ASSERT_EQ(values.size(), 2u);
     EXPECT_EQ(values[0], queued("h264_aac.mp4", 0));
     EXPECT_EQ(values[1].at("probe").at("format"), "mov,mp4,m4a,3gp,3g2,mj2");

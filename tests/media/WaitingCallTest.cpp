@@ -43,10 +43,6 @@ protected:
     static nlohmann::json queued(const std::string& name, int ahead) {
         return {{"call", {{"name", name}, {"queued", true}, {"ahead", ahead}}}};
     }
-    static std::vector<nlohmann::json> valuesOf(const Started& started) {
-        std::lock_guard<std::mutex> lock(started.values->mutex);
-        return started.values->values;
-    }
 
     std::shared_ptr<WaitingLine> line = std::make_shared<WaitingLine>();
     std::shared_ptr<ManualScheduler> timer = std::make_shared<ManualScheduler>();
@@ -58,14 +54,14 @@ TEST_F(WaitingCallTest, AWaitingCallSaysEvery400MsHowManyWaitBeforeIt) {
     const auto first = start("first");
     const auto second = start("second");
     timer->advanceBy(399ms);
-    EXPECT_TRUE(valuesOf(first).empty());
-    EXPECT_TRUE(valuesOf(second).empty());
+    EXPECT_TRUE(first.values->valuesNow().empty());
+    EXPECT_TRUE(second.values->valuesNow().empty());
     timer->advanceBy(1ms);
-    EXPECT_EQ(valuesOf(first), std::vector<nlohmann::json>{queued("first", 0)});
-    EXPECT_EQ(valuesOf(second), std::vector<nlohmann::json>{queued("second", 1)});
+    EXPECT_EQ(first.values->valuesNow(), std::vector<nlohmann::json>{queued("first", 0)});
+    EXPECT_EQ(second.values->valuesNow(), std::vector<nlohmann::json>{queued("second", 1)});
     timer->advanceBy(400ms);
-    EXPECT_EQ(valuesOf(first).size(), 2u);
-    EXPECT_EQ(valuesOf(second).size(), 2u);
+    EXPECT_EQ(first.values->valuesNow().size(), 2u);
+    EXPECT_EQ(second.values->valuesNow().size(), 2u);
 }
 
 TEST_F(WaitingCallTest, ACallWhoseTurnCameSaysNoMoreThatItWaitsAndNoLongerCountsAheadOfOthers) {
@@ -73,11 +69,11 @@ TEST_F(WaitingCallTest, ACallWhoseTurnCameSaysNoMoreThatItWaitsAndNoLongerCounts
     const auto second = start("second");
     EXPECT_TRUE(first.call->wanted());
     timer->advanceBy(800ms);
-    EXPECT_TRUE(valuesOf(first).empty());
-    EXPECT_EQ(valuesOf(second),
+    EXPECT_TRUE(first.values->valuesNow().empty());
+    EXPECT_EQ(second.values->valuesNow(),
               (std::vector<nlohmann::json>{queued("second", 0), queued("second", 0)}));
     first.call->finish({{"call", {{"name", "first"}, {"done", true}}}});
-    EXPECT_EQ(valuesOf(first).size(), 1u);
+    EXPECT_EQ(first.values->valuesNow().size(), 1u);
     EXPECT_TRUE(first.values->completed);
 }
 
@@ -87,8 +83,8 @@ TEST_F(WaitingCallTest, ACallThatEndsWhileItWaitsLeavesTheLineAndSaysNoMore) {
     first.call->fail(std::make_exception_ptr(std::runtime_error("Thumbnail cancelled: first")));
     EXPECT_THAT(first.values->error, FailedWith<std::runtime_error>("Thumbnail cancelled: first"));
     timer->advanceBy(400ms);
-    EXPECT_TRUE(valuesOf(first).empty());
-    EXPECT_EQ(valuesOf(second), std::vector<nlohmann::json>{queued("second", 0)});
+    EXPECT_TRUE(first.values->valuesNow().empty());
+    EXPECT_EQ(second.values->valuesNow(), std::vector<nlohmann::json>{queued("second", 0)});
 }
 
 TEST_F(WaitingCallTest, ASubscriberThatLeavesTakesItsCallOutOfTheLineAndItsWorkIsNotWanted) {
@@ -103,7 +99,7 @@ TEST_F(WaitingCallTest, ASubscriberThatLeavesTakesItsCallOutOfTheLineAndItsWorkI
     const auto staying = start("staying");
     leaving.unsubscribe();
     timer->advanceBy(400ms);
-    EXPECT_EQ(valuesOf(staying), std::vector<nlohmann::json>{queued("staying", 0)});
+    EXPECT_EQ(staying.values->valuesNow(), std::vector<nlohmann::json>{queued("staying", 0)});
     EXPECT_FALSE(call->wanted());
 }
 
