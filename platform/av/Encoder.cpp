@@ -75,21 +75,23 @@ public:
     }
 
     // libx265 given fewer frames than it reorders over may give a decoding time that is
-    // garbage (far before its presentation, or past it), which a muxer refuses ("pts/dts pair
-    // unsupported"). A decoding time is kept at most at its packet's presentation and after the
-    // last packet's decoding; one before any encoder's delay is replaced.
+    // garbage (far before its presentation, past it, or none at all), which a muxer refuses
+    // ("pts/dts pair unsupported") or fills in wrongly. A decoding time is kept at most at its
+    // packet's presentation and after the last packet's decoding; one that is missing or before
+    // any encoder's delay is replaced.
     void repairDts(AVPacket& packet) {
-        if (packet.dts == AV_NOPTS_VALUE)
-            return;
         if (packet.pts != AV_NOPTS_VALUE) {
             const std::int64_t step = frameDuration > 0 ? frameDuration : packet.duration;
-            if (step > 0 && packet.dts < packet.pts - longestDelay * step) {
+            const bool missing = packet.dts == AV_NOPTS_VALUE;
+            if (missing || (step > 0 && packet.dts < packet.pts - longestDelay * step)) {
                 packet.dts = lastDts != AV_NOPTS_VALUE
                                  ? lastDts + 1
                                  : packet.pts - std::int64_t(context->has_b_frames) * step;
             }
             packet.dts = std::min(packet.dts, packet.pts);
         }
+        if (packet.dts == AV_NOPTS_VALUE)
+            return;
         if (lastDts != AV_NOPTS_VALUE && packet.dts <= lastDts)
             packet.dts = lastDts + 1;
         lastDts = packet.dts;
