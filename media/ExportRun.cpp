@@ -26,7 +26,7 @@ ExportRunFactory pipelineExports() {
 }
 
 std::exception_ptr exportCancelled(const std::string& output) {
-    return std::make_exception_ptr(Export::ExportCancelled("Export cancelled: " + output));
+    return std::make_exception_ptr(Export::ExportCancelled(output));
 }
 
 } // namespace EditorService

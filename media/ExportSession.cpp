@@ -5,6 +5,7 @@
 #include "media/ExportValues.h"
 #include "media/ProgressPacer.h"
 #include "media/ProjectInputs.h"
+#include "media/QueuedValueTimer.h"
 #include "media/StreamGate.h"
 #include "platform/editorlogic/FileController.h"
 #include "platform/editorlogic/TaskController.h"
@@ -85,7 +86,7 @@ public:
         , exports(std::move(exports))
         , gate(std::move(subscriber))
         , registry(std::move(registry))
-        , waiting(std::move(waiting)) {}
+        , ticks(std::move(waiting)) {}
 
     ExportSession& self;
     const ExportRequest request;
@@ -93,13 +94,12 @@ public:
     const ExportRunFactory exports;
     StreamGate gate;
     const std::shared_ptr<ExportRegistry> registry;
-    const rxcpp::observe_on_one_worker waiting;
 
     std::mutex mutex;
     Phase phase = Phase::Parsing;
     std::uint64_t place = 0;
     std::shared_ptr<ExportRun> run;
-    rxcpp::composite_subscription ticks;
+    QueuedValueTimer ticks;
 
     // The stream's one end, whoever comes first: a failure, or the done value.
     void fail(std::exception_ptr error) {
@@ -116,7 +116,7 @@ public:
             std::lock_guard<std::mutex> lock(mutex);
             endLocked();
         }
-        ticks.unsubscribe();
+        ticks.stop();
     }
 
     void endLocked() {
@@ -154,7 +154,7 @@ public:
             running->cancel();
         if (!endsNow)
             return;
-        ticks.unsubscribe();
+        ticks.stop();
         gate.fail(exportCancelled(output));
     }
 
@@ -194,7 +194,7 @@ public:
                 return;
             phase = Phase::Waiting;
             // Its first value is due before anybody can count it waiting.
-            scheduleQueuedValue(waiting.create_coordinator(ticks).get_worker());
+            startQueuedValues();
             // Places are taken on the file controller's one thread, in the order the exports
             // go on the resource's queue.
             place = registry->enterQueue();
@@ -217,7 +217,7 @@ public:
 
     // The render-job place's job: it is held until the returned stream completes.
     rxcpp::observable<int> placeGranted(const Export::ExportSettings& settings) {
-        ticks.unsubscribe();
+        ticks.stop();
         if (!grant())
             return placeGivenBack();
         rxcpp::subjects::subject<int> held;
@@ -242,21 +242,18 @@ public:
                                 [session, giveBack] { session->dropped(giveBack); });
     }
 
-    void scheduleQueuedValue(const rxcpp::schedulers::worker& ticker) {
+    void startQueuedValues() {
         std::weak_ptr<ExportSession> weak = self.shared_from_this();
-        ticker.schedule(ticker.now() + ProgressPacer::maximumGap,
-                        [weak, ticker](const rxcpp::schedulers::schedulable&) {
-                            if (auto session = weak.lock())
-                                session->d->emitQueuedValue(ticker);
-                        });
+        ticks.start([weak] {
+            const auto session = weak.lock();
+            return session && session->d->emitQueuedValue();
+        });
     }
 
-    void emitQueuedValue(const rxcpp::schedulers::worker& ticker) {
-        const bool emitted =
-            gate.nextWhile([this] { return isWaiting(); },
-                           [this] { return ExportValues::queued(output, registry->ahead(place)); });
-        if (emitted)
-            scheduleQueuedValue(ticker);
+    bool emitQueuedValue() {
+        return gate.nextWhile(
+            [this] { return isWaiting(); },
+            [this] { return ExportValues::queued(output, registry->ahead(place)); });
     }
 
     bool isWaiting() {

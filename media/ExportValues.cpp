@@ -1,6 +1,7 @@
 #include "media/ExportValues.h"
 
 #include "media/ExistingOutput.h"
+#include "media/QueuedValue.h"
 
 #include <cmath>
 
@@ -13,7 +14,7 @@ Json skipped(const std::string& output) {
 }
 
 Json queued(const std::string& output, int ahead) {
-    return {{"export", {{"output", output}, {"queued", true}, {"ahead", ahead}}}};
+    return queuedValue("export", "output", output, ahead);
 }
 
 Json progress(const std::string& output, const Export::ExportProgress& progress) {

@@ -2,8 +2,10 @@
 
 #include "media/CallbackStream.h"
 #include "media/ProjectInputs.h"
+#include "media/QueuedValue.h"
 #include "media/RuntimeAccess.h"
 #include "platform/editorlogic/FileController.h"
+#include "platform/rxapp/RxApp.h"
 
 #include <stdexcept>
 
@@ -40,7 +42,20 @@ nlohmann::json describe(const QString& path, const Velmor::AV::MediaInfo& info) 
               {"streams", streams}}}};
 }
 
-rxcpp::observable<nlohmann::json> probe(const QString& path) {
+// The probes of the process waiting for the file controller's one thread.
+const std::shared_ptr<WaitingLine>& waitingProbes() {
+    static const auto* line = new std::shared_ptr<WaitingLine>(std::make_shared<WaitingLine>());
+    return *line;
+}
+
+WaitingPlace placeOf(const QString& path, rxcpp::observe_on_one_worker timer) {
+    const std::string input = path.toStdString();
+    return {waitingProbes(),
+            [input](int ahead) { return queuedValue("probe", "path", input, ahead); },
+            std::move(timer)};
+}
+
+rxcpp::observable<nlohmann::json> probe(const QString& path, rxcpp::observe_on_one_worker timer) {
     return callbackStream<Velmor::AV::MediaInfo>(
         [path](Media::FileController::Parsed done, Media::FileController::Wanted wanted) {
             requireRuntime(GlobalContextProvider::Media);
@@ -49,10 +64,16 @@ rxcpp::observable<nlohmann::json> probe(const QString& path) {
                 throw std::logic_error("The media context has no file controller");
             parseInput(*files, path, std::move(done), std::move(wanted));
         },
-        [path](const Velmor::AV::MediaInfo& info) { return describe(path, info); });
+        [path](const Velmor::AV::MediaInfo& info) { return describe(path, info); },
+        placeOf(path, std::move(timer)));
 }
 
 } // namespace
+
+ProbeService::ProbeService() = default;
+
+ProbeService::ProbeService(rxcpp::observe_on_one_worker waiting)
+    : waiting(std::move(waiting)) {}
 
 QString ProbeService::serviceId() {
     return QStringLiteral("probe");
@@ -60,7 +81,11 @@ QString ProbeService::serviceId() {
 
 rxcpp::observable<nlohmann::json>
 ProbeService::run(const rxcpp::observable<ProbeRequest>& requests) {
-    return requests.flat_map([](const ProbeRequest& request) { return probe(request.path); })
+    const auto ticks = waiting;
+    return requests
+        .flat_map([ticks](const ProbeRequest& request) {
+            return probe(request.path, ticks ? *ticks : RxApp::instance()->mainThread());
+        })
         .as_dynamic();
 }
 

@@ -3,10 +3,12 @@
 #include "media/CallbackStream.h"
 #include "media/ExistingOutput.h"
 #include "media/ProjectInputs.h"
+#include "media/QueuedValue.h"
 #include "media/RuntimeAccess.h"
 #include "platform/editorlogic/FileController.h"
 #include "platform/editorlogic/ThumbnailController.h"
 #include "platform/project/EditReader.h"
+#include "platform/rxapp/RxApp.h"
 
 #include <stdexcept>
 
@@ -54,7 +56,21 @@ Thumbnail::Controller::Done mediaOrProject(const ThumbnailRequest& request,
     };
 }
 
-rxcpp::observable<nlohmann::json> thumbnail(const ThumbnailRequest& request) {
+// The thumbnails of the process waiting for the task controller's one-at-a-time thread.
+const std::shared_ptr<WaitingLine>& waitingThumbnails() {
+    static const auto* line = new std::shared_ptr<WaitingLine>(std::make_shared<WaitingLine>());
+    return *line;
+}
+
+WaitingPlace placeOf(const ThumbnailRequest& request, rxcpp::observe_on_one_worker timer) {
+    const std::string output = request.output.toStdString();
+    return {waitingThumbnails(),
+            [output](int ahead) { return queuedValue("thumbnail", "output", output, ahead); },
+            std::move(timer)};
+}
+
+rxcpp::observable<nlohmann::json> thumbnail(const ThumbnailRequest& request,
+                                            rxcpp::observe_on_one_worker timer) {
     auto taken = callbackStream<Thumbnail::Result>(
         [request](Thumbnail::Controller::Done done, Thumbnail::Controller::Wanted wanted) {
             requireRuntime(GlobalContextProvider::Render);
@@ -71,12 +87,18 @@ rxcpp::observable<nlohmann::json> thumbnail(const ThumbnailRequest& request) {
                     wanted),
                 wanted);
         },
-        [request](const Thumbnail::Result& result) { return describe(request, result); });
+        [request](const Thumbnail::Result& result) { return describe(request, result); },
+        placeOf(request, std::move(timer)));
     return ExistingOutput::checkedFirst("thumbnail", request.output, request.overwrite,
                                         request.skipExisting, std::move(taken));
 }
 
 } // namespace
+
+ThumbnailService::ThumbnailService() = default;
+
+ThumbnailService::ThumbnailService(rxcpp::observe_on_one_worker waiting)
+    : waiting(std::move(waiting)) {}
 
 QString ThumbnailService::serviceId() {
     return QStringLiteral("thumbnail");
@@ -84,7 +106,11 @@ QString ThumbnailService::serviceId() {
 
 rxcpp::observable<nlohmann::json>
 ThumbnailService::run(const rxcpp::observable<ThumbnailRequest>& requests) {
-    return requests.flat_map([](const ThumbnailRequest& request) { return thumbnail(request); })
+    const auto ticks = waiting;
+    return requests
+        .flat_map([ticks](const ThumbnailRequest& request) {
+            return thumbnail(request, ticks ? *ticks : RxApp::instance()->mainThread());
+        })
         .as_dynamic();
 }
 

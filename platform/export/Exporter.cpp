@@ -86,6 +86,9 @@ ExportResult exportResult(const Render::WriterResult& written) {
 
 } // namespace
 
+ExportCancelled::ExportCancelled(const std::string& output)
+    : std::runtime_error("Export cancelled: " + output) {}
+
 class Exporter::Private {
 public:
     ExportSettings settings;
@@ -102,9 +105,7 @@ public:
     std::condition_variable runEnded;
     bool running = false;
 
-    ExportCancelled cancelledFailure() const {
-        return ExportCancelled("Export cancelled: " + settings.output);
-    }
+    ExportCancelled cancelledFailure() const { return ExportCancelled(settings.output); }
 
     ExportResult render(const Progress& progress, const EncoderNames& encoders, OutputFile& file);
     ExportResult wire(Render::Runner& runner, const Progress& progress,

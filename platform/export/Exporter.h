@@ -93,7 +93,7 @@ private:
 // The failure an export cancelled from outside ends with: "Export cancelled: <output>".
 class ExportCancelled : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    explicit ExportCancelled(const std::string& output);
 };
 
 } // namespace Export

@@ -168,7 +168,7 @@ public:
         if (how != Gate::Release::Finish) {
             if (how == Gate::Release::Fail)
                 throw std::runtime_error("No space left on device");
-            throw Export::ExportCancelled("Export cancelled: " + settings.output);
+            throw Export::ExportCancelled(settings.output);
         }
         if (::write(file.descriptor(), bytes.data(), bytes.size()) != 100)
             throw std::runtime_error("Can not write " + file.temporaryPath());

@@ -58,7 +58,7 @@ public:
         hold->changed.wait(lock, [this] { return hold->released || cancelled; });
         --hold->running;
         if (cancelled)
-            throw Export::ExportCancelled("Export cancelled: " + output);
+            throw Export::ExportCancelled(output);
         QFile file(QString::fromStdString(output));
         file.open(QIODevice::WriteOnly);
         return {};

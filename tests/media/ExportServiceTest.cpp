@@ -116,7 +116,7 @@ private:
         const std::string bytes(100, 'x');
         for (int frame = 1; frame <= pipeline.frames; ++frame) {
             if (cancelled)
-                throw Export::ExportCancelled("Export cancelled: " + settings.output);
+                throw Export::ExportCancelled(settings.output);
             if (pipeline.failAt && *pipeline.failAt == frame)
                 std::rethrow_exception(pipeline.failure());
             std::this_thread::sleep_for(pipeline.perFrame);
