@@ -7,6 +7,7 @@
 #include "platform/render/ProgressMeter.h"
 #include "platform/render/ResizedVideo.h"
 #include "platform/render/Runner.h"
+#include "platform/render/UprightVideo.h"
 #include "platform/render/Writer.h"
 
 #include <algorithm>
@@ -55,6 +56,8 @@ AV::RateControl rateControl(BitrateMode mode) {
 Render::ClipSettings clipSettings(const ExportSettings& settings) {
     Render::ClipSettings clip;
     clip.path = settings.input;
+    // Sound alone is exported as sound alone.
+    clip.requireVideo = false;
     const Types::Range& range = settings.range;
     if (range.isValid())
         clip.range = Render::ClipSettings::Range{std::min(range.start(), range.end()) * 1000,
@@ -62,7 +65,7 @@ Render::ClipSettings clipSettings(const ExportSettings& settings) {
     return clip;
 }
 
-// The preset's size, the input's where it has none, even for the encoder's chroma.
+// The preset's size, the input's as shown where it has none, even for the encoder's chroma.
 Proc::SettingsResizer resizing(const Preset& preset, const Render::VideoFormat& input) {
     Proc::SettingsResizer resize;
     resize.width = (preset.width() > 0 ? preset.width() : input.width) & ~1;
@@ -72,15 +75,19 @@ Proc::SettingsResizer resizing(const Preset& preset, const Render::VideoFormat& 
     return resize;
 }
 
-ExportResult exportResult(const Render::WriterResult& written) {
-    const Render::WrittenStream& video = written.streams.at(0);
+// The written streams in the file's order: the video first, when there is one.
+ExportResult exportResult(const Render::WriterResult& written, bool hasVideo) {
     ExportResult result;
-    result.frames = video.packets;
     result.durationMs = written.durationMs;
     result.bytes = written.bytes;
-    result.video = {video.codec, video.width, video.height, video.bitRate};
-    if (written.streams.size() > 1) {
-        const Render::WrittenStream& audio = written.streams[1];
+    std::size_t next = 0;
+    if (hasVideo) {
+        const Render::WrittenStream& video = written.streams.at(next++);
+        result.frames = video.packets;
+        result.video = ExportResult::Video{video.codec, video.width, video.height, video.bitRate};
+    }
+    if (written.streams.size() > next) {
+        const Render::WrittenStream& audio = written.streams[next];
         result.audio =
             ExportResult::Audio{audio.codec, audio.sampleRate, audio.channels, audio.bitRate};
     }
@@ -163,14 +170,19 @@ ExportResult Exporter::Private::wire(Render::Runner& runner, const Progress& pro
                                      const EncoderNames& encoders) {
     const Preset& preset = settings.preset;
     Render::ClipSource clip(clipSettings(settings), runner.stop());
-    Render::VideoSource& decoded = runner.boundary(*clip.video(), pictureCapacity);
-    Render::ResizedVideo resized(decoded, resizing(preset, decoded.format()));
-    Render::VideoSource& pictures = runner.boundary(resized, pictureCapacity);
-
     Render::Writer writer(temporary, preset.container());
-    const Render::VideoEncoding video{encoders.video, rateControl(preset.videoBitrateMode()),
-                                      preset.videoBitrateBps()};
-    runner.connect(pictures, writer.addVideo(pictures.format(), video));
+    // The stages of the pictures, from the decoded to the encoded; none without video.
+    std::optional<Render::UprightVideo> upright;
+    std::optional<Render::ResizedVideo> resized;
+    if (Render::VideoSource* video = clip.video()) {
+        Render::VideoSource& decoded = runner.boundary(*video, pictureCapacity);
+        upright.emplace(decoded);
+        resized.emplace(*upright, resizing(preset, upright->format()));
+        Render::VideoSource& pictures = runner.boundary(*resized, pictureCapacity);
+        const Render::VideoEncoding encoding{encoders.video, rateControl(preset.videoBitrateMode()),
+                                             preset.videoBitrateBps()};
+        runner.connect(pictures, writer.addVideo(pictures.format(), encoding));
+    }
     if (const std::optional<Render::AudioFormat> input = clip.inputAudio()) {
         const Render::AudioEncoding audio{encoders.audio, preset.audioBitrateBps()};
         Render::AudioSource& sound = *clip.audio(Render::Writer::audioFormat(audio, *input));
@@ -186,7 +198,7 @@ ExportResult Exporter::Private::wire(Render::Runner& runner, const Progress& pro
             [&meter](std::int64_t frames, std::int64_t endMs) { meter->update(frames, endMs); });
     }
     runner.run();
-    return exportResult(writer.finish());
+    return exportResult(writer.finish(), upright.has_value());
 }
 
 Exporter::Exporter(ExportSettings settings)

@@ -197,10 +197,10 @@ TEST_F(ExporterTest, A720pExportIsAnMp4OfH264AndAacThatFfprobeReads) {
     EXPECT_EQ(result.frames, 50);
     EXPECT_NEAR(static_cast<double>(result.durationMs), 2000, 40);
     EXPECT_EQ(result.bytes, static_cast<std::int64_t>(std::filesystem::file_size(output())));
-    EXPECT_EQ(result.video.codec, "h264");
-    EXPECT_EQ(result.video.width, 1280);
-    EXPECT_EQ(result.video.height, 720);
-    EXPECT_GT(result.video.bitRate, 0);
+    EXPECT_EQ(result.video->codec, "h264");
+    EXPECT_EQ(result.video->width, 1280);
+    EXPECT_EQ(result.video->height, 720);
+    EXPECT_GT(result.video->bitRate, 0);
     ASSERT_TRUE(result.audio);
     EXPECT_EQ(result.audio->codec, "aac");
     EXPECT_EQ(result.audio->sampleRate, 44100);
@@ -241,8 +241,8 @@ TEST_F(ExporterTest, TheFreeResolutionPresetTakesTheInputsSize) {
     ASSERT_TRUE(video);
     EXPECT_EQ((*video)["width"], 180);
     EXPECT_EQ((*video)["height"], 320);
-    EXPECT_EQ(result.video.width, 180);
-    EXPECT_EQ(result.video.height, 320);
+    EXPECT_EQ(result.video->width, 180);
+    EXPECT_EQ(result.video->height, 320);
 }
 
 TEST_F(ExporterTest, TheHevcCodecOfThePresetIsEncodedByLibx265) {
@@ -253,7 +253,7 @@ TEST_F(ExporterTest, TheHevcCodecOfThePresetIsEncodedByLibx265) {
     const auto* video = stream(probed, "video");
     ASSERT_TRUE(video);
     EXPECT_EQ((*video)["codec_name"], "hevc");
-    EXPECT_EQ(result.video.codec, "hevc");
+    EXPECT_EQ(result.video->codec, "hevc");
 }
 
 TEST_F(ExporterTest, TheBitrateModeAveragesTheGivenRateWithinTenPercentOnATenSecondClip) {
@@ -265,7 +265,7 @@ TEST_F(ExporterTest, TheBitrateModeAveragesTheGivenRateWithinTenPercentOnATenSec
     const auto* video = stream(probed, "video");
     ASSERT_TRUE(video);
     EXPECT_NEAR(number((*video)["bit_rate"]), 400000, 40000);
-    EXPECT_NEAR(static_cast<double>(result.video.bitRate), 400000, 40000);
+    EXPECT_NEAR(static_cast<double>(result.video->bitRate), 400000, 40000);
 }
 
 TEST_F(ExporterTest, TheAutoModeCapsTheQualityLedRateAtThePresetsRate) {
