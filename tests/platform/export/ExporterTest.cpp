@@ -346,6 +346,49 @@ TEST_F(ExporterTest, AnInputWithoutAudioGivesAnOutputWithoutAudio) {
     EXPECT_EQ(result.frames, 50);
 }
 
+TEST_F(ExporterTest, SoundAloneGivesAnAacOnlyOutput) {
+    const ExportResult result = Exporter(settings("cover_art.mp3", preset("mp4"))).run({});
+    const nlohmann::json probed = probe(output());
+    EXPECT_FALSE(stream(probed, "video"));
+    const auto* audio = stream(probed, "audio");
+    ASSERT_TRUE(audio);
+    EXPECT_EQ((*audio)["codec_name"], "aac");
+    EXPECT_FALSE(result.video);
+    ASSERT_TRUE(result.audio);
+    EXPECT_EQ(result.audio->codec, "aac");
+}
+
+TEST_F(ExporterTest, ARotatedInputIsWrittenUprightWithNoRotationLeft) {
+    const ExportResult result = Exporter(settings("rotate90.mp4", preset("mp4"))).run({});
+    const nlohmann::json probed = probe(output());
+    const auto* video = stream(probed, "video");
+    ASSERT_TRUE(video);
+    EXPECT_EQ((*video)["width"], 90);
+    EXPECT_EQ((*video)["height"], 160);
+    EXPECT_FALSE(video->contains("side_data_list"));
+    EXPECT_EQ(result.video->width, 90);
+}
+
+TEST_F(ExporterTest, AnAnamorphicInputIsWrittenInSquarePixelsAtItsDisplaySize) {
+    Exporter(settings("sar_64_45.mp4", preset("mp4"))).run({});
+    const nlohmann::json probed = probe(output());
+    const auto* video = stream(probed, "video");
+    ASSERT_TRUE(video);
+    EXPECT_EQ((*video)["width"], 256);
+    EXPECT_EQ((*video)["height"], 144);
+}
+
+TEST_F(ExporterTest, ARangeOfATransportStreamWithOpenGopsKeepsItsFirstFrames) {
+    // Its timestamps start at 1.4 s, its key frames a second apart, after B-frames they lead.
+    Exporter exporter(settings("open_gop.ts", preset("mp4"), Types::Range(500, 1500)));
+    const ExportResult result = exporter.run({});
+    const nlohmann::json probed = probe(output());
+    const auto* video = stream(probed, "video");
+    ASSERT_TRUE(video);
+    EXPECT_EQ((*video)["nb_read_packets"], "25");
+    EXPECT_EQ(result.frames, 25);
+}
+
 TEST_F(ExporterTest, ProgressFollowsEachEncodedFrameUpToTheWhole) {
     std::vector<ExportProgress> values;
     Exporter(settings("h264_aac.mp4", preset("mp4"))).run([&](const ExportProgress& value) {
