@@ -7,6 +7,7 @@
 #include "media/ProjectInputs.h"
 #include "media/QueuedValueTimer.h"
 #include "media/StreamGate.h"
+#include "platform/av/Upright.h"
 #include "platform/editorlogic/FileController.h"
 #include "platform/editorlogic/TaskController.h"
 #include "platform/export/PresetProvider.h"
@@ -17,6 +18,7 @@
 
 #include <QDateTime>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 
 namespace EditorService {
@@ -28,19 +30,37 @@ std::string text(const QString& string) {
     return string.toStdString();
 }
 
+// The stream the export shows: the first video that is no cover art; null for none.
+const Velmor::AV::StreamInfo* videoStream(const Velmor::AV::MediaInfo& info) {
+    for (const auto& stream : info.streams) {
+        if (stream.type == "video" && !stream.attachedPicture)
+            return &stream;
+    }
+    return nullptr;
+}
+
+bool hasAudio(const Velmor::AV::MediaInfo& info) {
+    for (const auto& stream : info.streams) {
+        if (stream.type == "audio")
+            return true;
+    }
+    return false;
+}
+
+// The preset made for the input: its original size is the video's as shown (upright, square
+// pixels); sound alone has no size.
 Export::ExportSettings settingsFor(const ExportRequest& request,
                                    const Velmor::AV::MediaInfo& info) {
-    const Velmor::AV::StreamInfo* video = nullptr;
-    for (const auto& stream : info.streams) {
-        if (stream.type == "video") {
-            video = &stream;
-            break;
-        }
-    }
-    if (!video)
+    const Velmor::AV::StreamInfo* video = videoStream(info);
+    if (!video && !hasAudio(info))
         throw Error(text(QStringLiteral("No video stream in %1").arg(request.path)));
-    const Media::Video project{video->width, video->height};
-    const auto provider = request.presetContext.makeProvider(&project);
+    std::optional<Media::Video> project;
+    if (video) {
+        const Velmor::AV::Size shown = Velmor::AV::Upright::displaySize(
+            {video->width, video->height}, video->rotation, video->sampleAspectRatio);
+        project = Media::Video{shown.width, shown.height};
+    }
+    const auto provider = request.presetContext.makeProvider(project ? &*project : nullptr);
     Export::ExportSettings settings;
     settings.input = text(request.path);
     settings.output = text(request.output);

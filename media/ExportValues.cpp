@@ -27,6 +27,13 @@ Json progress(const std::string& output, const Export::ExportProgress& progress)
 
 Json done(const Export::ExportSettings& settings, const Export::ExportResult& result,
           qint64 startedMs, qint64 finishedMs) {
+    Json video;
+    if (result.video) {
+        video = {{"codec", result.video->codec},
+                 {"width", result.video->width},
+                 {"height", result.video->height},
+                 {"bit_rate", result.video->bitRate}};
+    }
     Json audio;
     if (result.audio) {
         audio = {{"codec", result.audio->codec},
@@ -41,11 +48,7 @@ Json done(const Export::ExportSettings& settings, const Export::ExportResult& re
               {"frames", result.frames},
               {"duration_ms", result.durationMs},
               {"bytes", result.bytes},
-              {"video",
-               {{"codec", result.video.codec},
-                {"width", result.video.width},
-                {"height", result.video.height},
-                {"bit_rate", result.video.bitRate}}},
+              {"video", video},
               {"audio", audio},
               {"started_ms", startedMs},
               {"finished_ms", finishedMs}}}};

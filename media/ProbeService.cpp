@@ -19,6 +19,9 @@ nlohmann::json describe(const Velmor::AV::StreamInfo& stream) {
         value["height"] = stream.height;
         value["frame_rate"] = stream.frameRate;
         value["pixel_format"] = stream.pixelFormat;
+        value["rotation"] = stream.rotation;
+        value["sample_aspect_ratio"] = std::to_string(stream.sampleAspectRatio.num) + ":"
+                                       + std::to_string(stream.sampleAspectRatio.den);
     } else if (stream.type == "audio") {
         value["sample_rate"] = stream.sampleRate;
         value["channels"] = stream.channels;

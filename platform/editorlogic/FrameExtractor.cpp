@@ -1,8 +1,11 @@
 #include "platform/editorlogic/FrameExtractor.h"
 
+#include "platform/av/Decoder.h"
+#include "platform/av/Demuxer.h"
 #include "platform/av/Frame.h"
 #include "platform/av/ImageWriter.h"
 #include "platform/av/Picture.h"
+#include "platform/av/Upright.h"
 #include "platform/editorlogic/DecodedVideoStream.h"
 #include "platform/editorlogic/StreamProvider.h"
 #include "platform/editorlogic/ThumbnailTaskProvider.h"
@@ -64,7 +67,12 @@ Result FrameExtractor::extract(const Request& request) {
     using Existing = Velmor::OutputFile::Existing;
     Velmor::OutputFile file(output, request.overwrite ? Existing::Replace : Existing::Keep);
     const auto stream = streams->videoStream(request.path);
-    const Velmor::AV::Frame& frame = stream->cutter().frameAt(request.atMilliseconds);
+    const Velmor::AV::Frame& decoded = stream->cutter().frameAt(request.atMilliseconds);
+    const Velmor::AV::StreamInfo& info =
+        stream->demuxer().info().streams.at(stream->decoder().streamIndex());
+    Velmor::AV::Upright upright({decoded.width(), decoded.height()}, decoded.format(),
+                                info.rotation, info.sampleAspectRatio);
+    const Velmor::AV::Frame frame = upright.run(decoded);
     const bool original = request.width < 1 || request.height < 1;
     Velmor::Proc::SettingsResizer settings;
     settings.width = original ? frame.width() : request.width;

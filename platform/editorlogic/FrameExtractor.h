@@ -9,9 +9,10 @@ namespace Thumbnail {
 
 // Extracts thumbnails from decoded frames. process() runs every task its providers have now,
 // provider by provider in the order they were added. extract() decodes the frame from the
-// process's stream provider, so that thumbnails of one file share its cached stream, resizes
-// it by the request's mode and writes it as PNG through the engine's "EncodersFF" plug-in, into
-// a Velmor::OutputFile: the picture appears at the output whole or not at all.
+// process's stream provider, so that thumbnails of one file share its cached stream, stands it
+// upright in square pixels (its stream's rotation and sample aspect ratio), resizes it by the
+// request's mode and writes it as PNG through the engine's "EncodersFF" plug-in, into a
+// Velmor::OutputFile: the picture appears at the output whole or not at all.
 // Providers may be added and removed from any thread while process() runs on another: process()
 // asks the providers there were when it began.
 class FrameExtractor : public Extractor {

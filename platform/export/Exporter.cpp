@@ -10,6 +10,7 @@
 #include "platform/render/ProgressMeter.h"
 #include "platform/render/ResizedVideo.h"
 #include "platform/render/Runner.h"
+#include "platform/render/UprightVideo.h"
 #include "platform/render/Writer.h"
 
 #include <algorithm>
@@ -55,11 +56,13 @@ std::optional<Render::ClipSettings::Range> microseconds(const Types::Range& rang
 Render::ClipSettings clipSettings(const ExportSettings& settings) {
     Render::ClipSettings clip;
     clip.path = settings.input;
+    // Sound alone is exported as sound alone.
+    clip.requireVideo = false;
     clip.range = microseconds(settings.range);
     return clip;
 }
 
-// The preset's size, the input's where it has none, even for the encoder's chroma.
+// The preset's size, the input's as shown where it has none, even for the encoder's chroma.
 Proc::SettingsResizer resizing(const Preset& preset, const Render::VideoFormat& input) {
     Proc::SettingsResizer resize;
     resize.width = (preset.width() > 0 ? preset.width() : input.width) & ~1;
@@ -69,15 +72,19 @@ Proc::SettingsResizer resizing(const Preset& preset, const Render::VideoFormat& 
     return resize;
 }
 
-ExportResult exportResult(const Render::WriterResult& written) {
-    const Render::WrittenStream& video = written.streams.at(0);
+// The written streams in the file's order: the video first, when there is one.
+ExportResult exportResult(const Render::WriterResult& written, bool hasVideo) {
     ExportResult result;
-    result.frames = video.packets;
     result.durationMs = written.durationMs;
     result.bytes = written.bytes;
-    result.video = {video.codec, video.width, video.height, video.bitRate};
-    if (written.streams.size() > 1) {
-        const Render::WrittenStream& audio = written.streams[1];
+    std::size_t next = 0;
+    if (hasVideo) {
+        const Render::WrittenStream& video = written.streams.at(next++);
+        result.frames = video.packets;
+        result.video = ExportResult::Video{video.codec, video.width, video.height, video.bitRate};
+    }
+    if (written.streams.size() > next) {
+        const Render::WrittenStream& audio = written.streams[next];
         result.audio =
             ExportResult::Audio{audio.codec, audio.sampleRate, audio.channels, audio.bitRate};
     }
@@ -144,21 +151,27 @@ ExportResult Exporter::Private::wire(Render::Runner& runner, const Progress& pro
     return wireInput(runner, clip, progress, encoders, file);
 }
 
-// Making (decoding or composing), resizing and encoding the pictures each on a thread of its
-// own, the sound on one more; a media file's demuxer read by whichever of them needs a packet.
+// Making (decoding or composing), standing upright, resizing and encoding the pictures each on a
+// thread of its own, the sound on one more; a media file's demuxer read by whichever of them
+// needs a packet.
 template <typename Input>
 ExportResult Exporter::Private::wireInput(Render::Runner& runner, Input& input,
                                           const Progress& progress, const EncoderNames& encoders,
                                           OutputFile& file) {
     const Preset& preset = settings.preset;
-    Render::VideoSource& made = runner.boundary(*input.video(), pictureCapacity);
-    Render::ResizedVideo resized(made, resizing(preset, made.format()));
-    Render::VideoSource& pictures = runner.boundary(resized, pictureCapacity);
-
     Render::Writer writer(file.descriptor(), settings.output, preset.container());
-    const Render::VideoEncoding video{encoders.video, rateControl(preset.videoBitrateMode()),
-                                      preset.videoBitrateBps()};
-    runner.connect(pictures, writer.addVideo(pictures.format(), video));
+    // The stages of the pictures, from the made to the encoded; none without video.
+    std::optional<Render::UprightVideo> upright;
+    std::optional<Render::ResizedVideo> resized;
+    if (Render::VideoSource* video = input.video()) {
+        Render::VideoSource& made = runner.boundary(*video, pictureCapacity);
+        upright.emplace(made);
+        resized.emplace(*upright, resizing(preset, upright->format()));
+        Render::VideoSource& pictures = runner.boundary(*resized, pictureCapacity);
+        const Render::VideoEncoding encoding{encoders.video, rateControl(preset.videoBitrateMode()),
+                                             preset.videoBitrateBps()};
+        runner.connect(pictures, writer.addVideo(pictures.format(), encoding));
+    }
     if (const std::optional<Render::AudioFormat> offered = input.inputAudio()) {
         const Render::AudioEncoding audio{encoders.audio, preset.audioBitrateBps()};
         Render::AudioSource& sound = *input.audio(Render::Writer::audioFormat(audio, *offered));
@@ -174,7 +187,7 @@ ExportResult Exporter::Private::wireInput(Render::Runner& runner, Input& input,
             [&meter](std::int64_t frames, std::int64_t endMs) { meter->update(frames, endMs); });
     }
     runner.run();
-    return exportResult(writer.finish());
+    return exportResult(writer.finish(), upright.has_value());
 }
 
 Exporter::Exporter(ExportSettings settings)

@@ -52,7 +52,8 @@ struct ExportResult {
     std::int64_t frames = 0;
     std::int64_t durationMs = 0;
     std::int64_t bytes = 0;
-    Video video;
+    // None for an input without video: its sound alone is written.
+    std::optional<Video> video;
     // None for an input without audio.
     std::optional<Audio> audio;
 };

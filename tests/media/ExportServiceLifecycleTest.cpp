@@ -177,7 +177,7 @@ public:
         result.frames = 2;
         result.durationMs = 80;
         result.bytes = 200;
-        result.video = {"h264", 320, 240, 20000};
+        result.video = Export::ExportResult::Video{"h264", 320, 240, 20000};
         return result;
     }
 

@@ -129,7 +129,8 @@ private:
         result.frames = pipeline.frames;
         result.durationMs = pipeline.frames * 40;
         result.bytes = pipeline.frames * 100;
-        result.video = {"h264", settings.preset.width(), settings.preset.height(), 1000};
+        result.video = Export::ExportResult::Video{"h264", settings.preset.width(),
+                                                   settings.preset.height(), 1000};
         result.audio = Export::ExportResult::Audio{"aac", 44100, 2, 128000};
         return result;
     }

@@ -184,3 +184,34 @@ TEST(DemuxerTest, AReadOfAFifoThatNeverDeliversAsksTheCallbackAndGivesUp) {
     ::close(writer);
     EXPECT_GT(asked, 20);
 }
+
+TEST(DemuxerTest, ReadsTheDisplayRotationAndThePixelShapeOfAVideoStream) {
+    const Demuxer rotated(mediaFixture("rotate90.mp4"));
+    const auto& turned = rotated.info().streams.at(0);
+    EXPECT_EQ(turned.rotation, 90);
+    EXPECT_EQ(turned.width, 160);
+    EXPECT_EQ(turned.height, 90);
+    EXPECT_EQ(turned.sampleAspectRatio, (Velmor::AV::Rational{1, 1}));
+
+    const Demuxer anamorphic(mediaFixture("sar_64_45.mp4"));
+    EXPECT_EQ(anamorphic.info().streams.at(0).sampleAspectRatio, (Velmor::AV::Rational{64, 45}));
+    EXPECT_EQ(anamorphic.info().streams.at(0).rotation, 0);
+}
+
+TEST(DemuxerTest, TakesNoCoverArtForTheVideo) {
+    const Demuxer demuxer(mediaFixture("cover_art.mp3"));
+    EXPECT_TRUE(demuxer.info().streams.at(1).attachedPicture);
+    EXPECT_EQ(demuxer.bestStream("video"), -1);
+    EXPECT_EQ(demuxer.bestStream("audio"), 0);
+}
+
+TEST(DemuxerTest, CountsTheTimelineOfMp4AndMatroskaFromZeroAndOfMpegTsFromItsFirstTimestamp) {
+    const Demuxer late(mediaFixture("start_10s.mp4"));
+    EXPECT_EQ(late.startTime(), 10000000);
+    EXPECT_EQ(late.origin(), 0);
+    EXPECT_EQ(late.info().durationMs, 13000);
+
+    const Demuxer broadcast(mediaFixture("open_gop.ts"));
+    EXPECT_GT(broadcast.startTime(), 1000000);
+    EXPECT_EQ(broadcast.origin(), broadcast.startTime());
+}

@@ -218,10 +218,10 @@ TEST_F(ExporterTest, A720pExportIsAnMp4OfH264AndAacThatFfprobeReads) {
     EXPECT_EQ(result.frames, 50);
     EXPECT_NEAR(static_cast<double>(result.durationMs), 2000, 40);
     EXPECT_EQ(result.bytes, static_cast<std::int64_t>(std::filesystem::file_size(output())));
-    EXPECT_EQ(result.video.codec, "h264");
-    EXPECT_EQ(result.video.width, 1280);
-    EXPECT_EQ(result.video.height, 720);
-    EXPECT_GT(result.video.bitRate, 0);
+    EXPECT_EQ(result.video->codec, "h264");
+    EXPECT_EQ(result.video->width, 1280);
+    EXPECT_EQ(result.video->height, 720);
+    EXPECT_GT(result.video->bitRate, 0);
     ASSERT_TRUE(result.audio);
     EXPECT_EQ(result.audio->codec, "aac");
     EXPECT_EQ(result.audio->sampleRate, 44100);
@@ -262,8 +262,8 @@ TEST_F(ExporterTest, TheFreeResolutionPresetTakesTheInputsSize) {
     ASSERT_TRUE(video);
     EXPECT_EQ((*video)["width"], 180);
     EXPECT_EQ((*video)["height"], 320);
-    EXPECT_EQ(result.video.width, 180);
-    EXPECT_EQ(result.video.height, 320);
+    EXPECT_EQ(result.video->width, 180);
+    EXPECT_EQ(result.video->height, 320);
 }
 
 TEST_F(ExporterTest, TheHevcCodecOfThePresetIsEncodedByLibx265) {
@@ -274,7 +274,7 @@ TEST_F(ExporterTest, TheHevcCodecOfThePresetIsEncodedByLibx265) {
     const auto* video = stream(probed, "video");
     ASSERT_TRUE(video);
     EXPECT_EQ((*video)["codec_name"], "hevc");
-    EXPECT_EQ(result.video.codec, "hevc");
+    EXPECT_EQ(result.video->codec, "hevc");
 }
 
 TEST_F(ExporterTest, TheBitrateModeAveragesTheGivenRateWithinTenPercentOnATenSecondClip) {
@@ -286,7 +286,7 @@ TEST_F(ExporterTest, TheBitrateModeAveragesTheGivenRateWithinTenPercentOnATenSec
     const auto* video = stream(probed, "video");
     ASSERT_TRUE(video);
     EXPECT_NEAR(number((*video)["bit_rate"]), 400000, 40000);
-    EXPECT_NEAR(static_cast<double>(result.video.bitRate), 400000, 40000);
+    EXPECT_NEAR(static_cast<double>(result.video->bitRate), 400000, 40000);
 }
 
 TEST_F(ExporterTest, TheAutoModeCapsTheQualityLedRateAtThePresetsRate) {
@@ -384,6 +384,49 @@ TEST_F(ExporterTest, AnInputWithoutAudioGivesAnOutputWithoutAudio) {
     EXPECT_FALSE(stream(probed, "audio"));
     EXPECT_FALSE(result.audio);
     EXPECT_EQ(result.frames, 50);
+}
+
+TEST_F(ExporterTest, SoundAloneGivesAnAacOnlyOutput) {
+    const ExportResult result = Exporter(settings("cover_art.mp3", preset("mp4"))).run({});
+    const nlohmann::json probed = probe(output());
+    EXPECT_FALSE(stream(probed, "video"));
+    const auto* audio = stream(probed, "audio");
+    ASSERT_TRUE(audio);
+    EXPECT_EQ((*audio)["codec_name"], "aac");
+    EXPECT_FALSE(result.video);
+    ASSERT_TRUE(result.audio);
+    EXPECT_EQ(result.audio->codec, "aac");
+}
+
+TEST_F(ExporterTest, ARotatedInputIsWrittenUprightWithNoRotationLeft) {
+    const ExportResult result = Exporter(settings("rotate90.mp4", preset("mp4"))).run({});
+    const nlohmann::json probed = probe(output());
+    const auto* video = stream(probed, "video");
+    ASSERT_TRUE(video);
+    EXPECT_EQ((*video)["width"], 90);
+    EXPECT_EQ((*video)["height"], 160);
+    EXPECT_FALSE(video->contains("side_data_list"));
+    EXPECT_EQ(result.video->width, 90);
+}
+
+TEST_F(ExporterTest, AnAnamorphicInputIsWrittenInSquarePixelsAtItsDisplaySize) {
+    Exporter(settings("sar_64_45.mp4", preset("mp4"))).run({});
+    const nlohmann::json probed = probe(output());
+    const auto* video = stream(probed, "video");
+    ASSERT_TRUE(video);
+    EXPECT_EQ((*video)["width"], 256);
+    EXPECT_EQ((*video)["height"], 144);
+}
+
+TEST_F(ExporterTest, ARangeOfATransportStreamWithOpenGopsKeepsItsFirstFrames) {
+    // Its timestamps start at 1.4 s, its key frames a second apart, after B-frames they lead.
+    Exporter exporter(settings("open_gop.ts", preset("mp4"), Types::Range(500, 1500)));
+    const ExportResult result = exporter.run({});
+    const nlohmann::json probed = probe(output());
+    const auto* video = stream(probed, "video");
+    ASSERT_TRUE(video);
+    EXPECT_EQ((*video)["nb_read_packets"], "25");
+    EXPECT_EQ(result.frames, 25);
 }
 
 TEST_F(ExporterTest, ProgressFollowsEachEncodedFrameUpToTheWhole) {
