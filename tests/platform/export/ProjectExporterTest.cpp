@@ -71,8 +71,9 @@ TEST_F(ProjectExporterTest, ProgressFollowsEachComposedFrameUpToTheWhole) {
     const ExportResult result =
         Exporter(settings(colours(1600))).run([&](const auto& value) { values.push_back(value); });
     EXPECT_EQ(result.frames, 40);
-    EXPECT_EQ(result.video.width, 64);
-    EXPECT_EQ(result.video.height, 48);
+    ASSERT_TRUE(result.video);
+    EXPECT_EQ(result.video->width, 64);
+    EXPECT_EQ(result.video->height, 48);
     ASSERT_TRUE(result.audio);
     EXPECT_EQ(result.audio->channels, 2);
     ASSERT_EQ(values.size(), 40u);

@@ -6,6 +6,7 @@
 #include "platform/av/Packet.h"
 #include "platform/av/Resampler.h"
 #include "platform/mix/Mixer.h"
+#include "tests/support/NewFile.h"
 
 #include <QProcess>
 #include <QRegularExpression>
@@ -21,7 +22,8 @@ namespace EditorService::Testing {
 // libraries' encoder and muxer, as an export writes its sound.
 inline void writeWav(Mixing::Mixer& mixer, const std::string& path) {
     const Mixing::AudioFormat format = mixer.format();
-    Velmor::AV::Muxer muxer(path, "wav");
+    const NewFile file(path);
+    Velmor::AV::Muxer muxer(file.descriptor, path, "wav");
     const auto encoder =
         Velmor::AV::Encoder::audio({"pcm_f32le", format.sampleRate, format.channels, 0, false});
     const int stream = muxer.addStream(*encoder);

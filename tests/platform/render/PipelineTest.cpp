@@ -5,7 +5,7 @@
 #include "platform/render/Runner.h"
 #include "platform/render/Writer.h"
 #include "tests/platform/render/Ffprobe.h"
-#include "tests/platform/render/NewFile.h"
+#include "tests/support/NewFile.h"
 #include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 

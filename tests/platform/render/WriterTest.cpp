@@ -5,7 +5,7 @@
 #include "platform/av/Picture.h"
 #include "platform/render/FrameSink.h"
 #include "tests/platform/render/Ffprobe.h"
-#include "tests/platform/render/NewFile.h"
+#include "tests/support/NewFile.h"
 #include "tests/support/FailedWith.h"
 
 #include <QFileInfo>
