@@ -42,7 +42,7 @@ protected:
     }
 
     json thumbnail(const QString& path, int atMs) const {
-        return value({"thumbnail", path, "--output=" + output("thumbnail.png"),
+        return value({"thumbnail", path, "--output=" + output("thumbnail.png"), "--overwrite",
                       QStringLiteral("--at=%1").arg(atMs)},
                      "thumbnail");
     }
@@ -170,8 +170,9 @@ TEST_F(MediaZooTest, ThumbnailsOfShapedPicturesHaveTheirDisplaySize) {
 TEST_F(MediaZooTest, ThumbnailsOfSoundAloneFailWithNoVideoStream) {
     for (const char* name : {"tone.mp3", "cover_art.mp3", "cover_art.m4a"}) {
         SCOPED_TRACE(name);
-        const HostRun run = runHost(
-            {"-q", "thumbnail", fixture(name), "--output=" + output("thumbnail.png"), "--at=0"});
+        const HostRun run =
+            runHost({"-q", "thumbnail", fixture(name), "--output=" + output("thumbnail.png"),
+                     "--overwrite", "--at=0"});
         EXPECT_NE(run.exitCode, 0);
         EXPECT_TRUE(run.errors.contains(("No video stream in " + fixture(name)).toUtf8()))
             << run.errors.toStdString();
