@@ -77,6 +77,10 @@ int Muxer::addStream(const Encoder& encoder) {
     if (!stream)
         throw MediaError(d->failure + ": " + errorText(AVERROR(ENOMEM)));
     check(avcodec_parameters_from_context(stream->codecpar, encoder.context()), d->failure);
+    // MP4's default HEVC tag, hev1, is one Apple's players refuse; hvc1 plays everywhere.
+    const std::string format = d->context->oformat->name;
+    if (stream->codecpar->codec_id == AV_CODEC_ID_HEVC && (format == "mp4" || format == "mov"))
+        stream->codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
     // A hint only: the muxer may choose another in writeHeader.
     stream->time_base = encoder.context()->time_base;
     if (encoder.context()->codec_type == AVMEDIA_TYPE_VIDEO)
