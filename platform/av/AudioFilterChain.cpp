@@ -65,7 +65,7 @@ std::string shapeText(const AudioShape& shape) {
 
 class AudioFilterChain::Private {
 public:
-    Private(const AudioShape& input, const std::vector<FilterSpec>& filters,
+    Private(const AudioShape& input, const std::vector<FilterStep>& filters,
             const AudioShape& output)
         : input(input)
         , graph("abuffer", bufferArguments(input), filters, "abuffersink",
@@ -75,7 +75,7 @@ public:
     FilterGraph graph;
 };
 
-AudioFilterChain::AudioFilterChain(AudioShape input, const std::vector<FilterSpec>& filters,
+AudioFilterChain::AudioFilterChain(AudioShape input, const std::vector<FilterStep>& filters,
                                    AudioShape output)
     : d(std::make_unique<Private>(input, filters, output)) {}
 

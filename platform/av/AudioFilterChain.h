@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/av/AudioBlock.h"
-#include "platform/av/FilterSpec.h"
+#include "platform/av/FilterStep.h"
 #include "platform/av/Frame.h"
 
 #include <memory>
@@ -19,7 +19,7 @@ public:
     // of 0, leave that to the filters. Throws MediaError "Can not set up the filter <name>:
     // <reason>" for an unknown filter or option or a value the filter refuses, and "Can not set
     // up the filters: <reason>" when the chain does not configure.
-    AudioFilterChain(AudioShape input, const std::vector<FilterSpec>& filters, AudioShape output);
+    AudioFilterChain(AudioShape input, const std::vector<FilterStep>& filters, AudioShape output);
     AudioFilterChain(const AudioFilterChain&) = delete;
     AudioFilterChain& operator=(const AudioFilterChain&) = delete;
     ~AudioFilterChain();

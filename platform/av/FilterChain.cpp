@@ -25,7 +25,7 @@ std::string bufferArguments(Size size, int pixelFormat) {
 
 class FilterChain::Private {
 public:
-    Private(Size size, int pixelFormat, const std::vector<FilterSpec>& filters,
+    Private(Size size, int pixelFormat, const std::vector<FilterStep>& filters,
             int outputPixelFormat)
         : size(size)
         , pixelFormat(pixelFormat)
@@ -43,7 +43,7 @@ public:
     std::int64_t nextTimestamp = 0;
 };
 
-FilterChain::FilterChain(Size size, int pixelFormat, const std::vector<FilterSpec>& filters,
+FilterChain::FilterChain(Size size, int pixelFormat, const std::vector<FilterStep>& filters,
                          int outputPixelFormat)
     : d(std::make_unique<Private>(size, pixelFormat, filters, outputPixelFormat)) {}
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/av/FilterSpec.h"
+#include "platform/av/FilterStep.h"
 #include "platform/av/Frame.h"
 #include "platform/av/Geometry.h"
 
@@ -18,7 +18,7 @@ public:
     // Builds and configures the chain. Throws MediaError "Can not set up the filter <name>:
     // <reason>" for an unknown filter or option or a value the filter refuses, and "Can not set
     // up the filters: <reason>" when the chain does not configure.
-    FilterChain(Size size, int pixelFormat, const std::vector<FilterSpec>& filters,
+    FilterChain(Size size, int pixelFormat, const std::vector<FilterStep>& filters,
                 int outputPixelFormat);
     FilterChain(const FilterChain&) = delete;
     FilterChain& operator=(const FilterChain&) = delete;

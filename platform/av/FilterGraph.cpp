@@ -42,13 +42,13 @@ public:
         return filter;
     }
 
-    AVFilterContext* addFilter(const FilterSpec& spec) {
-        const std::string failure = "Can not set up the filter " + spec.name;
+    AVFilterContext* addFilter(const FilterStep& step) {
+        const std::string failure = "Can not set up the filter " + step.name;
         AVFilterContext* filter =
-            avfilter_graph_alloc_filter(graph.get(), &filterNamed(spec.name), nullptr);
+            avfilter_graph_alloc_filter(graph.get(), &filterNamed(step.name), nullptr);
         if (!filter)
             throw MediaError(failure + ": " + errorText(AVERROR(ENOMEM)));
-        for (const auto& [option, value] : spec.options)
+        for (const auto& [option, value] : step.options)
             check(av_opt_set(filter, option.c_str(), value.c_str(), AV_OPT_SEARCH_CHILDREN),
                   failure + ": " + option);
         check(avfilter_init_str(filter, nullptr), failure);
@@ -57,7 +57,7 @@ public:
 };
 
 FilterGraph::FilterGraph(const std::string& source, const std::string& sourceArguments,
-                         const std::vector<FilterSpec>& filters, const std::string& sink,
+                         const std::vector<FilterStep>& filters, const std::string& sink,
                          const std::function<void(AVFilterContext& sink)>& constrainSink)
     : d(std::make_unique<Private>()) {
     if (!d->graph)
@@ -66,8 +66,8 @@ FilterGraph::FilterGraph(const std::string& source, const std::string& sourceArg
     d->graph->nb_threads = 1;
     d->source = d->addBuffer(source, "in", sourceArguments);
     AVFilterContext* last = d->source;
-    for (const FilterSpec& spec : filters) {
-        AVFilterContext* filter = d->addFilter(spec);
+    for (const FilterStep& step : filters) {
+        AVFilterContext* filter = d->addFilter(step);
         check(avfilter_link(last, 0, filter, 0), "Can not set up the filters");
         last = filter;
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/av/FilterSpec.h"
+#include "platform/av/FilterStep.h"
 
 #include <functional>
 #include <memory>
@@ -21,7 +21,7 @@ public:
     // filter or option or a value the filter refuses, and "Can not set up the filters: <reason>"
     // when the chain does not configure.
     FilterGraph(const std::string& source, const std::string& sourceArguments,
-                const std::vector<FilterSpec>& filters, const std::string& sink,
+                const std::vector<FilterStep>& filters, const std::string& sink,
                 const std::function<void(AVFilterContext& sink)>& constrainSink);
     FilterGraph(const FilterGraph&) = delete;
     FilterGraph& operator=(const FilterGraph&) = delete;

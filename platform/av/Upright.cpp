@@ -32,8 +32,8 @@ Size stretched(Size stored, Rational sampleAspectRatio) {
     return {std::max(1, static_cast<int>(std::lround(width))), stored.height};
 }
 
-std::vector<FilterSpec> filters(Size stored, int rotation, Rational sampleAspectRatio) {
-    std::vector<FilterSpec> chain;
+std::vector<FilterStep> filters(Size stored, int rotation, Rational sampleAspectRatio) {
+    std::vector<FilterStep> chain;
     if (!isSquare(sampleAspectRatio)) {
         const Size square = stretched(stored, sampleAspectRatio);
         chain.push_back({"scale",
@@ -70,7 +70,7 @@ public:
 Upright::Upright(Size stored, int pixelFormat, int rotation, Rational sampleAspectRatio)
     : d(std::make_unique<Private>()) {
     d->size = displaySize(stored, rotation, sampleAspectRatio);
-    const std::vector<FilterSpec> chain = filters(stored, rotation, sampleAspectRatio);
+    const std::vector<FilterStep> chain = filters(stored, rotation, sampleAspectRatio);
     if (!chain.empty())
         d->chain.emplace(stored, pixelFormat, chain, pixelFormat);
 }

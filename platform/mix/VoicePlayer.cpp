@@ -9,7 +9,7 @@
 namespace Mixing {
 namespace {
 
-using Velmor::AV::FilterSpec;
+using Velmor::AV::FilterStep;
 using Velmor::AV::Frame;
 
 std::string decimal(double value) {
@@ -20,7 +20,7 @@ std::string decimal(double value) {
     return text.str();
 }
 
-FilterSpec fadeFilter(const Fade& fade, const char* type) {
+FilterStep fadeFilter(const Fade& fade, const char* type) {
     return {"afade",
             {{"type", type},
              {"start_sample", std::to_string(fade.start)},
@@ -28,8 +28,8 @@ FilterSpec fadeFilter(const Fade& fade, const char* type) {
              {"curve", fade.curve == Fade::Curve::EqualPower ? "qsin" : "tri"}}};
 }
 
-std::vector<FilterSpec> voiceFilters(const Voice& voice) {
-    std::vector<FilterSpec> filters{{"volume", {{"volume", decimal(voice.gainDb) + "dB"}}}};
+std::vector<FilterStep> voiceFilters(const Voice& voice) {
+    std::vector<FilterStep> filters{{"volume", {{"volume", decimal(voice.gainDb) + "dB"}}}};
     if (voice.fadeIn)
         filters.push_back(fadeFilter(*voice.fadeIn, "in"));
     if (voice.fadeOut)

@@ -8,7 +8,7 @@ namespace Velmor::AV {
 
 // One libavfilter filter with its options, each set by name through the filter's own options,
 // so that a text (drawtext's "text") needs no escaping for a filter graph string.
-struct FilterSpec {
+struct FilterStep {
     std::string name;
     std::vector<std::pair<std::string, std::string>> options;
 };
