@@ -14,10 +14,6 @@
 namespace Velmor::Render {
 namespace {
 
-std::string milliseconds(std::int64_t microseconds) {
-    return std::to_string(microseconds / 1000);
-}
-
 // The first sample at or after the start of a frame: where the frame's sound starts, exactly.
 std::int64_t sampleOfFrame(std::int64_t frame, AV::Rational rate, int sampleRate) {
     const std::int64_t scaled = frame * rate.den * sampleRate;
@@ -50,11 +46,7 @@ public:
         durationMs = lengthMs;
         if (!range)
             return;
-        if (range->from < 0 || range->from >= range->to || range->to > lengthMs * 1000)
-            throw AV::MediaError("Range " + milliseconds(range->from) + ":"
-                                 + milliseconds(range->to) + " ms is outside "
-                                 + edit().projectFile.toStdString() + " ("
-                                 + std::to_string(lengthMs) + " ms)");
+        range->requireWithin(edit().projectFile.toStdString(), lengthMs);
         const Project::FrameTimes times(compositor.frameRate());
         firstFrame = times.frameAt(range->from / 1000);
         endFrame = std::min(endFrame, times.frameAt(range->to / 1000));

@@ -22,10 +22,6 @@ constexpr std::int64_t second = 1000000;
 // enough to keep memory flat.
 constexpr std::size_t packetCapacity = 64;
 
-std::string milliseconds(std::int64_t microseconds) {
-    return std::to_string(microseconds / 1000);
-}
-
 } // namespace
 
 class ClipSource::Private {
@@ -63,10 +59,7 @@ public:
         if (!settings.range)
             return;
         const ClipSettings::Range& range = *settings.range;
-        if (range.from < 0 || range.from >= range.to || range.to > inputMs * 1000)
-            throw AV::MediaError("Range " + milliseconds(range.from) + ":" + milliseconds(range.to)
-                                 + " ms is outside " + settings.path + " ("
-                                 + std::to_string(inputMs) + " ms)");
+        range.requireWithin(settings.path, inputMs);
         begin += range.from;
         end = begin + (range.to - range.from);
         durationMs = (range.to - range.from) / 1000;
