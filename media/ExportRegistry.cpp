@@ -1,10 +1,10 @@
 #include "media/ExportRegistry.h"
 
 #include "media/ExportSession.h"
+#include "media/WaitingLine.h"
 #include "service/contexts/GlobalContextProvider.h"
 
 #include <algorithm>
-#include <deque>
 #include <map>
 #include <mutex>
 #include <vector>
@@ -30,9 +30,7 @@ class ExportRegistry::Private {
 public:
     mutable std::mutex mutex;
     std::vector<std::weak_ptr<ExportSession>> sessions;
-    // The places waiting, in the order they were taken: ascending.
-    std::deque<std::uint64_t> waiting;
-    std::uint64_t nextPlace = 0;
+    WaitingLine line;
 };
 
 ExportRegistry::ExportRegistry()
@@ -95,23 +93,15 @@ void ExportRegistry::cancelAll() {
 }
 
 std::uint64_t ExportRegistry::enterQueue() {
-    std::lock_guard<std::mutex> lock(d->mutex);
-    d->waiting.push_back(d->nextPlace);
-    return d->nextPlace++;
+    return d->line.enter();
 }
 
 void ExportRegistry::leaveQueue(std::uint64_t place) {
-    std::lock_guard<std::mutex> lock(d->mutex);
-    auto& waiting = d->waiting;
-    const auto found = std::lower_bound(waiting.begin(), waiting.end(), place);
-    if (found != waiting.end() && *found == place)
-        waiting.erase(found);
+    d->line.leave(place);
 }
 
 int ExportRegistry::ahead(std::uint64_t place) const {
-    std::lock_guard<std::mutex> lock(d->mutex);
-    const auto& waiting = d->waiting;
-    return int(std::lower_bound(waiting.begin(), waiting.end(), place) - waiting.begin());
+    return d->line.ahead(place);
 }
 
 } // namespace EditorService

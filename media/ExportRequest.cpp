@@ -22,17 +22,6 @@ QCommandLineOption ExportRequest::rangeOption() {
                               QStringLiteral("start:end"));
 }
 
-QCommandLineOption ExportRequest::overwriteOption() {
-    return QCommandLineOption(QStringLiteral("overwrite"),
-                              QStringLiteral("Replace the output file when it exists."));
-}
-
-QCommandLineOption ExportRequest::skipExistingOption() {
-    return QCommandLineOption(QStringLiteral("skip-existing"),
-                              QStringLiteral("Do nothing when the output file exists, so that a "
-                                             "batch run again resumes."));
-}
-
 QString ExportRequest::description() const {
     return QStringLiteral("Export a video file with a preset: progress values while it runs, "
                           "then one value {\"export\": {..., \"done\": true}}.");
@@ -52,8 +41,7 @@ void ExportRequest::validateOnLoad() const {
                         .arg(range.end())
                         .toStdString());
     }
-    if (overwrite && skipExisting)
-        throw Error("--overwrite and --skip-existing can not be given together");
+    ExistingOutput::requireOneChoice(overwrite, skipExisting);
 }
 
 } // namespace EditorService

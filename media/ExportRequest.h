@@ -1,5 +1,6 @@
 #pragma once
 
+#include "media/ExistingOutput.h"
 #include "media/MediaPath.h"
 #include "platform/model/Range.h"
 #include "service/presets/PresetContext.h"
@@ -20,8 +21,6 @@ struct ExportRequest : DefaultRequestImpl<ExportRequest> {
     static QCommandLineOption pathOption();
     static QCommandLineOption outputOption();
     static QCommandLineOption rangeOption();
-    static QCommandLineOption overwriteOption();
-    static QCommandLineOption skipExistingOption();
 
     QString description() const override;
     // The presets, the default first, with their sizes and codecs.
@@ -36,8 +35,8 @@ struct ExportRequest : DefaultRequestImpl<ExportRequest> {
         visitField(archive, output, outputOption());
         presetContext.serialize(archive, version);
         visitField(archive, range, rangeOption());
-        visitField(archive, overwrite, overwriteOption());
-        visitField(archive, skipExisting, skipExistingOption());
+        visitField(archive, overwrite, ExistingOutput::overwriteOption());
+        visitField(archive, skipExisting, ExistingOutput::skipExistingOption());
         if constexpr (Archive::is_loading::value)
             validateOnLoad();
     }

@@ -8,7 +8,6 @@ public:
     explicit PipelineExport(const Export::ExportSettings& settings)
         : exporter(settings) {}
 
-    const std::string& temporaryPath() const override { return exporter.temporaryPath(); }
     Export::ExportResult run(const Export::Exporter::Progress& progress) override {
         return exporter.run(progress);
     }
@@ -27,7 +26,7 @@ ExportRunFactory pipelineExports() {
 }
 
 std::exception_ptr exportCancelled(const std::string& output) {
-    return std::make_exception_ptr(Export::ExportCancelled("Export cancelled: " + output));
+    return std::make_exception_ptr(Export::ExportCancelled(output));
 }
 
 } // namespace EditorService

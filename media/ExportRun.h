@@ -15,7 +15,6 @@ class ExportRun {
 public:
     virtual ~ExportRun() = default;
 
-    virtual const std::string& temporaryPath() const = 0;
     virtual Export::ExportResult run(const Export::Exporter::Progress& progress) = 0;
     virtual void cancel() = 0;
 };

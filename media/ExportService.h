@@ -8,10 +8,12 @@
 
 namespace EditorService {
 
-// Exports a video file with a preset. The output is checked first: an existing one ends the
-// stream with Error "Output file exists: <path>" unless --overwrite, or with --skip-existing
-// gives the one value {"export": {"output", "skipped": true}}; a missing or unwritable
-// directory ends it with Error "Can not write to <directory>: <reason>". The input is then
+// Exports a video file with a preset. The output is checked first (ExistingOutput): an existing
+// one ends the stream with Error "Output file exists: <path>" unless --overwrite, or with
+// --skip-existing gives the one value {"export": {"output", "skipped": true}}; a missing or
+// unwritable directory ends it with Error "Can not write to <directory>: <reason>". An output
+// that appears while the export runs is kept, with the same Error, unless --overwrite. The
+// input is then
 // probed by the media layer's file controller, and its frame size is the video that the preset
 // context's provider is made for, whose failures pass unchanged; when the runtime ends while
 // the input waits to be probed, or while the export waits for its render-job place, the export
@@ -26,9 +28,10 @@ namespace EditorService {
 // "frames", "duration_ms", "bytes", "video": {...}, "audio": {...} or null, "started_ms",
 // "finished_ms"}}, the times those of taking and giving back the place, in milliseconds since
 // the Unix epoch. Its failures, the pipeline's and the plug-ins' included, end the stream
-// unchanged. The temporary file the export writes is listed with Velmor::Temporaries while it
-// exists; it is removed whatever ends the export other than success. Unsubscribing cancels a
-// running export, which ends within one frame's work, removes its temporary and frees its place;
+// unchanged. The export writes through a Velmor::OutputFile, whose temporary is listed with
+// Velmor::Temporaries while it exists and removed whatever ends the export other than success.
+// Unsubscribing cancels a running export, which ends within one frame's work, removes its
+// temporary and frees its place;
 // an export that does not run yet ends at once with Export::ExportCancelled, as does one whose
 // task the task controller drops when the runtime ends.
 class ExportService : public DefaultServiceImpl<ExportRequest> {

@@ -1,21 +1,24 @@
 #include "media/ExportSession.h"
 
+#include "media/ExistingOutput.h"
 #include "media/ExportRegistry.h"
 #include "media/ExportValues.h"
 #include "media/ProgressPacer.h"
+#include "media/ProjectInputs.h"
+#include "media/QueuedValueTimer.h"
 #include "media/StreamGate.h"
+#include "platform/av/Upright.h"
 #include "platform/editorlogic/FileController.h"
 #include "platform/editorlogic/TaskController.h"
 #include "platform/export/PresetProvider.h"
-#include "platform/foundation/Temporaries.h"
 #include "platform/model/Video.h"
 #include "platform/rxapp/LimitedResource.h"
 #include "service/api/Error.h"
 #include "service/contexts/GlobalContextProvider.h"
 
 #include <QDateTime>
-#include <QFile>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 
 namespace EditorService {
@@ -27,24 +30,43 @@ std::string text(const QString& string) {
     return string.toStdString();
 }
 
+// The stream the export shows: the first video that is no cover art; null for none.
+const Velmor::AV::StreamInfo* videoStream(const Velmor::AV::MediaInfo& info) {
+    for (const auto& stream : info.streams) {
+        if (stream.type == "video" && !stream.attachedPicture)
+            return &stream;
+    }
+    return nullptr;
+}
+
+bool hasAudio(const Velmor::AV::MediaInfo& info) {
+    for (const auto& stream : info.streams) {
+        if (stream.type == "audio")
+            return true;
+    }
+    return false;
+}
+
+// The preset made for the input: its original size is the video's as shown (upright, square
+// pixels); sound alone has no size.
 Export::ExportSettings settingsFor(const ExportRequest& request,
                                    const Velmor::AV::MediaInfo& info) {
-    const Velmor::AV::StreamInfo* video = nullptr;
-    for (const auto& stream : info.streams) {
-        if (stream.type == "video") {
-            video = &stream;
-            break;
-        }
-    }
-    if (!video)
+    const Velmor::AV::StreamInfo* video = videoStream(info);
+    if (!video && !hasAudio(info))
         throw Error(text(QStringLiteral("No video stream in %1").arg(request.path)));
-    const Media::Video project{video->width, video->height};
-    const auto provider = request.presetContext.makeProvider(&project);
+    std::optional<Media::Video> project;
+    if (video) {
+        const Velmor::AV::Size shown = Velmor::AV::Upright::displaySize(
+            {video->width, video->height}, video->rotation, video->sampleAspectRatio);
+        project = Media::Video{shown.width, shown.height};
+    }
+    const auto provider = request.presetContext.makeProvider(project ? &*project : nullptr);
     Export::ExportSettings settings;
     settings.input = text(request.path);
     settings.output = text(request.output);
     settings.preset = provider->preset();
     settings.range = request.range;
+    settings.overwrite = request.overwrite;
     return settings;
 }
 
@@ -84,7 +106,7 @@ public:
         , exports(std::move(exports))
         , gate(std::move(subscriber))
         , registry(std::move(registry))
-        , waiting(std::move(waiting)) {}
+        , ticks(std::move(waiting)) {}
 
     ExportSession& self;
     const ExportRequest request;
@@ -92,13 +114,12 @@ public:
     const ExportRunFactory exports;
     StreamGate gate;
     const std::shared_ptr<ExportRegistry> registry;
-    const rxcpp::observe_on_one_worker waiting;
 
     std::mutex mutex;
     Phase phase = Phase::Parsing;
     std::uint64_t place = 0;
     std::shared_ptr<ExportRun> run;
-    rxcpp::composite_subscription ticks;
+    QueuedValueTimer ticks;
 
     // The stream's one end, whoever comes first: a failure, or the done value.
     void fail(std::exception_ptr error) {
@@ -115,7 +136,7 @@ public:
             std::lock_guard<std::mutex> lock(mutex);
             endLocked();
         }
-        ticks.unsubscribe();
+        ticks.stop();
     }
 
     void endLocked() {
@@ -153,7 +174,7 @@ public:
             running->cancel();
         if (!endsNow)
             return;
-        ticks.unsubscribe();
+        ticks.stop();
         gate.fail(exportCancelled(output));
     }
 
@@ -193,7 +214,7 @@ public:
                 return;
             phase = Phase::Waiting;
             // Its first value is due before anybody can count it waiting.
-            scheduleQueuedValue(waiting.create_coordinator(ticks).get_worker());
+            startQueuedValues();
             // Places are taken on the file controller's one thread, in the order the exports
             // go on the resource's queue.
             place = registry->enterQueue();
@@ -216,7 +237,7 @@ public:
 
     // The render-job place's job: it is held until the returned stream completes.
     rxcpp::observable<int> placeGranted(const Export::ExportSettings& settings) {
-        ticks.unsubscribe();
+        ticks.stop();
         if (!grant())
             return placeGivenBack();
         rxcpp::subjects::subject<int> held;
@@ -241,21 +262,18 @@ public:
                                 [session, giveBack] { session->dropped(giveBack); });
     }
 
-    void scheduleQueuedValue(const rxcpp::schedulers::worker& ticker) {
+    void startQueuedValues() {
         std::weak_ptr<ExportSession> weak = self.shared_from_this();
-        ticker.schedule(ticker.now() + ProgressPacer::maximumGap,
-                        [weak, ticker](const rxcpp::schedulers::schedulable&) {
-                            if (auto session = weak.lock())
-                                session->d->emitQueuedValue(ticker);
-                        });
+        ticks.start([weak] {
+            const auto session = weak.lock();
+            return session && session->d->emitQueuedValue();
+        });
     }
 
-    void emitQueuedValue(const rxcpp::schedulers::worker& ticker) {
-        const bool emitted =
-            gate.nextWhile([this] { return isWaiting(); },
-                           [this] { return ExportValues::queued(output, registry->ahead(place)); });
-        if (emitted)
-            scheduleQueuedValue(ticker);
+    bool emitQueuedValue() {
+        return gate.nextWhile(
+            [this] { return isWaiting(); },
+            [this] { return ExportValues::queued(output, registry->ahead(place)); });
     }
 
     bool isWaiting() {
@@ -286,17 +304,15 @@ public:
         run.reset();
     }
 
-    void runListed(const Export::ExportSettings& settings, Export::ExportResult& result,
-                   std::string& temporary) {
+    Export::ExportResult runOnce(const Export::ExportSettings& settings) {
         std::shared_ptr<ExportRun> made = exports(settings);
-        temporary = made->temporaryPath();
-        Velmor::Temporaries::add(temporary);
         if (!setRunning(made))
             std::rethrow_exception(exportCancelled(output));
         ProgressPacer pacer([this](const Export::ExportProgress& progress) {
             gate.next(ExportValues::progress(output, progress));
         });
         std::exception_ptr failure;
+        Export::ExportResult result;
         try {
             result = made->run(
                 [&pacer](const Export::ExportProgress& progress) { pacer.update(progress); });
@@ -307,6 +323,7 @@ public:
         clearRunning();
         if (failure)
             std::rethrow_exception(failure);
+        return result;
     }
 };
 
@@ -324,8 +341,8 @@ void ExportSession::begin(Media::FileController& files) {
     auto session = shared_from_this();
     d->registry->add(session);
     d->gate.onUnsubscribe([session] { session->cancel(); });
-    files.parse(
-        d->request.path,
+    parseInput(
+        files, d->request.path,
         [session](const Velmor::AV::MediaInfo& info, std::exception_ptr error) {
             session->d->parsed(info, error);
         },
@@ -344,22 +361,15 @@ void ExportSession::run(const Export::ExportSettings& settings, qint64 startedMs
     }
     std::exception_ptr failure;
     Export::ExportResult result;
-    std::string temporary;
     try {
-        d->runListed(settings, result, temporary);
+        result = d->runOnce(settings);
     } catch (...) {
         failure = std::current_exception();
-    }
-    if (!temporary.empty()) {
-        // The exporter removes its temporary itself; this covers a failure before it began.
-        if (failure)
-            QFile::remove(QString::fromStdString(temporary));
-        Velmor::Temporaries::remove(temporary);
     }
     const qint64 finishedMs = QDateTime::currentMSecsSinceEpoch();
     giveBack();
     if (failure) {
-        d->fail(failure);
+        d->fail(ExistingOutput::asCheckFailure(failure));
         return;
     }
     d->finish(ExportValues::done(settings, result, startedMs, finishedMs));

@@ -23,7 +23,7 @@ class ExportRegistry;
 // first ends its stream, once: the run's done value or failure, a failure on the way, or a
 // cancel. A cancel ends an export that does not run yet at once with Export::ExportCancelled
 // "Export cancelled: <output>", and a running one through its run. While it waits for a place
-// it emits {"export": {"output", "queued": true, "ahead"}} every ProgressPacer::maximumGap,
+// it emits {"export": {"output", "queued": true, "ahead"}} every QueuedValueTimer::gap,
 // timed on `waiting`, so that a time limit on silence sees it alive.
 class ExportSession : public std::enable_shared_from_this<ExportSession> {
 public:

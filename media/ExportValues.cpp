@@ -1,5 +1,8 @@
 #include "media/ExportValues.h"
 
+#include "media/ExistingOutput.h"
+#include "media/QueuedValue.h"
+
 #include <cmath>
 
 namespace EditorService::ExportValues {
@@ -7,11 +10,11 @@ namespace EditorService::ExportValues {
 using Json = nlohmann::json;
 
 Json skipped(const std::string& output) {
-    return {{"export", {{"output", output}, {"skipped", true}}}};
+    return ExistingOutput::skipped("export", output);
 }
 
 Json queued(const std::string& output, int ahead) {
-    return {{"export", {{"output", output}, {"queued", true}, {"ahead", ahead}}}};
+    return queuedValue("export", "output", output, ahead);
 }
 
 Json progress(const std::string& output, const Export::ExportProgress& progress) {
@@ -24,6 +27,13 @@ Json progress(const std::string& output, const Export::ExportProgress& progress)
 
 Json done(const Export::ExportSettings& settings, const Export::ExportResult& result,
           qint64 startedMs, qint64 finishedMs) {
+    Json video;
+    if (result.video) {
+        video = {{"codec", result.video->codec},
+                 {"width", result.video->width},
+                 {"height", result.video->height},
+                 {"bit_rate", result.video->bitRate}};
+    }
     Json audio;
     if (result.audio) {
         audio = {{"codec", result.audio->codec},
@@ -38,11 +48,7 @@ Json done(const Export::ExportSettings& settings, const Export::ExportResult& re
               {"frames", result.frames},
               {"duration_ms", result.durationMs},
               {"bytes", result.bytes},
-              {"video",
-               {{"codec", result.video.codec},
-                {"width", result.video.width},
-                {"height", result.video.height},
-                {"bit_rate", result.video.bitRate}}},
+              {"video", video},
               {"audio", audio},
               {"started_ms", startedMs},
               {"finished_ms", finishedMs}}}};

@@ -1,8 +1,11 @@
 #include "media/ProbeService.h"
 
 #include "media/CallbackStream.h"
+#include "media/ProjectInputs.h"
+#include "media/QueuedValue.h"
 #include "media/RuntimeAccess.h"
 #include "platform/editorlogic/FileController.h"
+#include "platform/rxapp/RxApp.h"
 
 #include <stdexcept>
 
@@ -16,6 +19,9 @@ nlohmann::json describe(const Velmor::AV::StreamInfo& stream) {
         value["height"] = stream.height;
         value["frame_rate"] = stream.frameRate;
         value["pixel_format"] = stream.pixelFormat;
+        value["rotation"] = stream.rotation;
+        value["sample_aspect_ratio"] = std::to_string(stream.sampleAspectRatio.num) + ":"
+                                       + std::to_string(stream.sampleAspectRatio.den);
     } else if (stream.type == "audio") {
         value["sample_rate"] = stream.sampleRate;
         value["channels"] = stream.channels;
@@ -39,19 +45,38 @@ nlohmann::json describe(const QString& path, const Velmor::AV::MediaInfo& info) 
               {"streams", streams}}}};
 }
 
-rxcpp::observable<nlohmann::json> probe(const QString& path) {
+// The probes of the process waiting for the file controller's one thread.
+const std::shared_ptr<WaitingLine>& waitingProbes() {
+    static const auto* line = new std::shared_ptr<WaitingLine>(std::make_shared<WaitingLine>());
+    return *line;
+}
+
+WaitingPlace placeOf(const QString& path, rxcpp::observe_on_one_worker timer) {
+    const std::string input = path.toStdString();
+    return {waitingProbes(),
+            [input](int ahead) { return queuedValue("probe", "path", input, ahead); },
+            std::move(timer)};
+}
+
+rxcpp::observable<nlohmann::json> probe(const QString& path, rxcpp::observe_on_one_worker timer) {
     return callbackStream<Velmor::AV::MediaInfo>(
         [path](Media::FileController::Parsed done, Media::FileController::Wanted wanted) {
             requireRuntime(GlobalContextProvider::Media);
             auto* files = Media::FileController::instance();
             if (!files)
                 throw std::logic_error("The media context has no file controller");
-            files->parse(path, std::move(done), std::move(wanted));
+            parseInput(*files, path, std::move(done), std::move(wanted));
         },
-        [path](const Velmor::AV::MediaInfo& info) { return describe(path, info); });
+        [path](const Velmor::AV::MediaInfo& info) { return describe(path, info); },
+        placeOf(path, std::move(timer)));
 }
 
 } // namespace
+
+ProbeService::ProbeService() = default;
+
+ProbeService::ProbeService(rxcpp::observe_on_one_worker waiting)
+    : waiting(std::move(waiting)) {}
 
 QString ProbeService::serviceId() {
     return QStringLiteral("probe");
@@ -59,7 +84,11 @@ QString ProbeService::serviceId() {
 
 rxcpp::observable<nlohmann::json>
 ProbeService::run(const rxcpp::observable<ProbeRequest>& requests) {
-    return requests.flat_map([](const ProbeRequest& request) { return probe(request.path); })
+    const auto ticks = waiting;
+    return requests
+        .flat_map([ticks](const ProbeRequest& request) {
+            return probe(request.path, ticks ? *ticks : RxApp::instance()->mainThread());
+        })
         .as_dynamic();
 }
 

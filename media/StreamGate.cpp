@@ -47,6 +47,11 @@ bool StreamGate::hasEnded() const {
     return ended;
 }
 
+bool StreamGate::isSubscribed() const {
+    std::lock_guard<std::recursive_mutex> lock(mutex);
+    return !ended && subscriber.is_subscribed();
+}
+
 void StreamGate::onUnsubscribe(std::function<void()> action) {
     subscriber.add(std::move(action));
 }

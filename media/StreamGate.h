@@ -31,6 +31,8 @@ public:
     // False when the stream had ended: the failure went nowhere.
     bool fail(std::exception_ptr error);
     bool hasEnded() const;
+    // Whether anybody still listens: false once the stream has ended or the subscriber left.
+    bool isSubscribed() const;
 
     // The subscriber's lifetime, to hang what an unsubscription must do on.
     void onUnsubscribe(std::function<void()> action);

@@ -10,8 +10,8 @@ QCommandLineOption ThumbnailRequest::pathOption() {
 
 QCommandLineOption ThumbnailRequest::outputOption() {
     return QCommandLineOption(QStringLiteral("output"),
-                              QStringLiteral("The PNG file to write; what stands there is "
-                                             "replaced."),
+                              QStringLiteral("The PNG file to write. It appears only once "
+                                             "complete."),
                               QStringLiteral("file.png"));
 }
 
@@ -38,6 +38,7 @@ void ThumbnailRequest::validateOnLoad() const {
                         .arg(QString::number(frameSize->width), QString::number(frameSize->height))
                         .toStdString());
     }
+    ExistingOutput::requireOneChoice(overwrite, skipExisting);
 }
 
 } // namespace EditorService

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "media/ExistingOutput.h"
 #include "media/MediaPath.h"
 #include "service/presets/PresetContext.h"
 #include "service/requests/DefaultRequestImpl.h"
@@ -12,9 +13,10 @@
 namespace EditorService {
 
 // One thumbnail: "thumbnail <path> --output=<file.png> [--at=<ms>]
-// [--preset-frame-size=original|W:H] [--preset-resize-fill-mode=<mode>]", or the same keys in
-// JSON. The frame size and the fill mode are the preset options of the same names and text
-// forms; without them the frame keeps its size, and fits by "Fit".
+// [--preset-frame-size=original|W:H] [--preset-resize-fill-mode=<mode>]
+// [--overwrite | --skip-existing]", or the same keys in JSON. The frame size and the fill mode are
+// the preset options of the same names and text forms; without them the frame keeps its size, and
+// fits by "Fit".
 struct ThumbnailRequest : DefaultRequestImpl<ThumbnailRequest> {
     using Serializer = MediaPathSerializer<ThumbnailRequest>;
 
@@ -25,7 +27,8 @@ struct ThumbnailRequest : DefaultRequestImpl<ThumbnailRequest> {
     QString description() const override;
     // Throws Error "No media file specified, try --help for all available options", "No output
     // file specified, try --help for all available options", "--at must not be negative, is
-    // <at>" and "Frame size must be at least 1:1, is <width>:<height>".
+    // <at>", "Frame size must be at least 1:1, is <width>:<height>" and "--overwrite and
+    // --skip-existing can not be given together".
     void validateOnLoad() const override;
 
     template <class Archive> void serialize(Archive& archive, const unsigned int) {
@@ -34,6 +37,8 @@ struct ThumbnailRequest : DefaultRequestImpl<ThumbnailRequest> {
         visitField(archive, at, atOption());
         visitField(archive, frameSize, PresetContext::option(PresetContext::FrameSize));
         visitField(archive, resizeFillMode, PresetContext::option(PresetContext::ResizeFillMode));
+        visitField(archive, overwrite, ExistingOutput::overwriteOption());
+        visitField(archive, skipExisting, ExistingOutput::skipExistingOption());
         if constexpr (Archive::is_loading::value)
             validateOnLoad();
     }
@@ -43,6 +48,8 @@ struct ThumbnailRequest : DefaultRequestImpl<ThumbnailRequest> {
     long long at = 0;
     std::optional<PresetFrameSize> frameSize;
     std::optional<Velmor::Proc::SettingsResizer::CustomModes> resizeFillMode;
+    bool overwrite = false;
+    bool skipExisting = false;
 };
 
 } // namespace EditorService

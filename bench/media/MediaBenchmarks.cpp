@@ -94,7 +94,7 @@ void ThumbnailsAgainstFfmpeg(benchmark::State& state) {
     std::vector<Program> rivals;
     for (const long at : thumbnailTimes(count)) {
         const QString output = clip().file(QStringLiteral("ours-%1.png").arg(at));
-        lines << QStringLiteral("thumbnail; %1; --output=%2; --at=%3")
+        lines << QStringLiteral("thumbnail; %1; --output=%2; --at=%3; --overwrite")
                      .arg(QString::fromStdString(clip().path), output, QString::number(at));
         rivals.push_back({{"ffmpeg", "-nostdin", "-v", "error", "-y", "-ss", seconds(at), "-i",
                            clip().path, "-frames:v", "1",

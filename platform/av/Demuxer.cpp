@@ -5,6 +5,8 @@
 #include "platform/av/Packet.h"
 
 #include <cerrno>
+#include <cmath>
+#include <cstdlib>
 #include <cstring>
 
 #include <fcntl.h>
@@ -13,6 +15,7 @@
 
 extern "C" {
 #include <libavformat/avformat.h>
+#include <libavutil/display.h>
 #include <libavutil/pixdesc.h>
 }
 
@@ -27,7 +30,19 @@ std::string rationalText(AVRational value) {
     return std::to_string(value.num) + "/" + std::to_string(value.den);
 }
 
-StreamInfo describe(const AVStream& stream) {
+// The display matrix's angle, counterclockwise; else the "rotate" tag, which counts clockwise.
+int rotation(const AVStream& stream) {
+    const std::uint8_t* matrix =
+        av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+    if (matrix) {
+        const double angle = av_display_rotation_get(reinterpret_cast<const std::int32_t*>(matrix));
+        return std::isnan(angle) ? 0 : static_cast<int>(std::lround(angle));
+    }
+    const AVDictionaryEntry* tag = av_dict_get(stream.metadata, "rotate", nullptr, 0);
+    return tag ? -std::atoi(tag->value) : 0;
+}
+
+StreamInfo describe(AVFormatContext& context, AVStream& stream) {
     const AVCodecParameters& codec = *stream.codecpar;
     StreamInfo info;
     info.index = stream.index;
@@ -42,6 +57,11 @@ StreamInfo describe(const AVStream& stream) {
         info.frameRate = rationalText(stream.avg_frame_rate);
         const char* format = av_get_pix_fmt_name(static_cast<AVPixelFormat>(codec.format));
         info.pixelFormat = format ? format : "";
+        info.rotation = rotation(stream);
+        const AVRational shape = av_guess_sample_aspect_ratio(&context, &stream, nullptr);
+        if (shape.num > 0 && shape.den > 0)
+            info.sampleAspectRatio = {shape.num, shape.den};
+        info.attachedPicture = (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
     } else if (codec.codec_type == AVMEDIA_TYPE_AUDIO) {
         info.sampleRate = codec.sample_rate;
         info.channels = codec.ch_layout.nb_channels;
@@ -49,7 +69,7 @@ StreamInfo describe(const AVStream& stream) {
     return info;
 }
 
-MediaInfo describe(const AVFormatContext& context, const std::string& path) {
+MediaInfo describe(AVFormatContext& context, const std::string& path) {
     MediaInfo info;
     info.path = path;
     info.format = context.iformat->name;
@@ -60,7 +80,7 @@ MediaInfo describe(const AVFormatContext& context, const std::string& path) {
     if (context.pb)
         info.size = std::max<std::int64_t>(avio_size(context.pb), 0);
     for (unsigned index = 0; index < context.nb_streams; ++index)
-        info.streams.push_back(describe(*context.streams[index]));
+        info.streams.push_back(describe(context, *context.streams[index]));
     return info;
 }
 
@@ -179,20 +199,39 @@ std::int64_t Demuxer::indexedKeyFrameAtOrBefore(int index, std::int64_t timestam
     return avformat_index_get_entry(indexed, entry)->timestamp;
 }
 
+std::int64_t Demuxer::origin() const {
+    const std::string format = d->context->iformat->name;
+    if (format.rfind("mov,", 0) == 0 || format.rfind("matroska", 0) == 0)
+        return 0;
+    return startTime();
+}
+
 int Demuxer::bestStream(const std::string& type) const {
     const AVMediaType mediaType = type == "video"   ? AVMEDIA_TYPE_VIDEO
                                   : type == "audio" ? AVMEDIA_TYPE_AUDIO
                                                     : AVMEDIA_TYPE_UNKNOWN;
     const int found = av_find_best_stream(d->context.get(), mediaType, -1, -1, nullptr, 0);
-    return found < 0 ? -1 : found;
+    // The library prefers a video to cover art, but takes cover art when there is nothing else.
+    if (found < 0 || d->info.streams.at(found).attachedPicture)
+        return -1;
+    return found;
+}
+
+void Demuxer::readOnly(int streamIndex) {
+    for (unsigned index = 0; index < d->context->nb_streams; ++index)
+        d->context->streams[index]->discard =
+            static_cast<int>(index) == streamIndex ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
 }
 
 bool Demuxer::read(Packet& packet) {
-    packet.reset();
-    const int result = av_read_frame(d->context.get(), packet.get());
-    if (result == AVERROR_EOF)
-        return false;
-    check(result, "Can not read media file: " + d->path);
+    do {
+        packet.reset();
+        const int result = av_read_frame(d->context.get(), packet.get());
+        if (result == AVERROR_EOF)
+            return false;
+        check(result, "Can not read media file: " + d->path);
+        // What probing the streams read comes first, of every stream.
+    } while (stream(packet.streamIndex())->discard == AVDISCARD_ALL);
     return true;
 }
 

@@ -39,6 +39,11 @@ public:
     Rational frameRate(int index) const;
     // The file's first timestamp in microseconds; 0 when unknown.
     std::int64_t startTime() const;
+    // Where the file's timeline begins, in microseconds of its timestamps: the time its
+    // duration counts from, and so every time a user gives. MP4, MOV and Matroska count from 0
+    // (a first timestamp after it is a delay at the head of the file); the others from their
+    // first timestamp (MPEG-TS's clock starts anywhere).
+    std::int64_t origin() const;
     // The stream's first timestamp in its time base; AV_NOPTS_VALUE when unknown.
     std::int64_t streamStartTime(int index) const;
     // The timestamp of the last key frame of the stream at or before the timestamp, both in
@@ -46,7 +51,12 @@ public:
     // index has none there.
     std::int64_t indexedKeyFrameAtOrBefore(int index, std::int64_t timestamp) const;
     // The stream the library takes for the best of the type ("video", "audio"); -1 for none.
+    // Cover art is no video.
     int bestStream(const std::string& type) const;
+
+    // Reads only the packets of one stream from now on: the others are skipped, where the
+    // container lets the library pass over their bytes without reading them.
+    void readOnly(int streamIndex);
 
     // The next packet of any stream; false at the end of the file. Throws MediaError
     // "Can not read media file: <path>: <reason>"; an interrupted read throws it too.

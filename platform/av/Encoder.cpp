@@ -5,6 +5,7 @@
 #include "platform/av/MediaError.h"
 #include "platform/av/Packet.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
@@ -59,6 +60,10 @@ public:
     std::int64_t frameDuration = 0;
     bool draining = false;
     bool drained = false;
+    // More frames than any encoder holds back before it gives the first one out.
+    static constexpr std::int64_t longestDelay = 64;
+    // The decoding time of the last packet given out; none before the first.
+    std::int64_t lastDts = AV_NOPTS_VALUE;
 
     const AVCodec* allocate(const std::string& encoder) {
         failure = "Can not encode with " + encoder;
@@ -67,6 +72,29 @@ public:
         if (!context)
             throw MediaError(failure + ": " + errorText(AVERROR(ENOMEM)));
         return codec;
+    }
+
+    // libx265 given fewer frames than it reorders over may give a decoding time that is
+    // garbage (far before its presentation, past it, or none at all), which a muxer refuses
+    // ("pts/dts pair unsupported") or fills in wrongly. A decoding time is kept at most at its
+    // packet's presentation and after the last packet's decoding; one that is missing or before
+    // any encoder's delay is replaced.
+    void repairDts(AVPacket& packet) {
+        if (packet.pts != AV_NOPTS_VALUE) {
+            const std::int64_t step = frameDuration > 0 ? frameDuration : packet.duration;
+            const bool missing = packet.dts == AV_NOPTS_VALUE;
+            if (missing || (step > 0 && packet.dts < packet.pts - longestDelay * step)) {
+                packet.dts = lastDts != AV_NOPTS_VALUE
+                                 ? lastDts + 1
+                                 : packet.pts - std::int64_t(context->has_b_frames) * step;
+            }
+            packet.dts = std::min(packet.dts, packet.pts);
+        }
+        if (packet.dts == AV_NOPTS_VALUE)
+            return;
+        if (lastDts != AV_NOPTS_VALUE && packet.dts <= lastDts)
+            packet.dts = lastDts + 1;
+        lastDts = packet.dts;
     }
 
     void setOption(const char* name, const std::string& value) {
@@ -201,6 +229,7 @@ bool Encoder::receive(Packet& packet) {
     check(result, d->failure);
     if (packet->duration <= 0 && d->frameDuration > 0)
         packet->duration = d->frameDuration;
+    d->repairDts(*packet.get());
     return true;
 }
 

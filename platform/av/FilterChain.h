@@ -1,21 +1,13 @@
 #pragma once
 
+#include "platform/av/FilterStep.h"
 #include "platform/av/Frame.h"
 #include "platform/av/Geometry.h"
 
 #include <memory>
-#include <string>
-#include <utility>
 #include <vector>
 
 namespace Velmor::AV {
-
-// One libavfilter video filter with its options, each set by name through the filter's own
-// options, so that a text (drawtext's "text") needs no escaping for a filter graph string.
-struct FilterSpec {
-    std::string name;
-    std::vector<std::pair<std::string, std::string>> options;
-};
 
 // A chain of libavfilter video filters from one input to one output, for pictures of one size
 // and pixel format: each run pushes one picture and takes the one picture that comes out. Made
@@ -26,7 +18,7 @@ public:
     // Builds and configures the chain. Throws MediaError "Can not set up the filter <name>:
     // <reason>" for an unknown filter or option or a value the filter refuses, and "Can not set
     // up the filters: <reason>" when the chain does not configure.
-    FilterChain(Size size, int pixelFormat, const std::vector<FilterSpec>& filters,
+    FilterChain(Size size, int pixelFormat, const std::vector<FilterStep>& filters,
                 int outputPixelFormat);
     FilterChain(const FilterChain&) = delete;
     FilterChain& operator=(const FilterChain&) = delete;

@@ -5,9 +5,9 @@
 #include "platform/av/Packet.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <memory>
+#include <unistd.h>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -18,10 +18,6 @@ namespace {
 
 struct FreeContext {
     void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-};
-
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
 Packet encodePng(const Frame& picture, const std::string& failure) {
@@ -45,26 +41,25 @@ Packet encodePng(const Frame& picture, const std::string& failure) {
     return packet;
 }
 
-void writeFile(const Packet& packet, const std::string& path, const std::string& failure) {
-    std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "wb"));
-    if (!file)
-        throw MediaError(failure + ": " + std::strerror(errno));
-    const auto size = static_cast<std::size_t>(packet->size);
-    const bool written = std::fwrite(packet->data, 1, size, file.get()) == size;
-    const int writeError = errno;
-    const bool closed = std::fclose(file.release()) == 0;
-    if (written && closed)
-        return;
-    const int error = written ? errno : writeError;
-    std::remove(path.c_str());
-    throw MediaError(failure + ": " + std::strerror(error));
+void writeAll(const Packet& packet, int descriptor, const std::string& failure) {
+    const auto* data = packet->data;
+    auto left = static_cast<std::size_t>(packet->size);
+    while (left > 0) {
+        const ssize_t written = ::write(descriptor, data, left);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            throw MediaError(failure + ": " + std::strerror(errno));
+        data += written;
+        left -= static_cast<std::size_t>(written);
+    }
 }
 
 } // namespace
 
-void writePng(const Frame& picture, const std::string& path) {
-    const std::string failure = "Can not write " + path;
-    writeFile(encodePng(picture, failure), path, failure);
+void writePng(const Frame& picture, int descriptor, const std::string& name) {
+    const std::string failure = "Can not write " + name;
+    writeAll(encodePng(picture, failure), descriptor, failure);
 }
 
 } // namespace Velmor::AV

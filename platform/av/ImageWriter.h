@@ -6,8 +6,9 @@ namespace Velmor::AV {
 
 class Frame;
 
-// Writes an RGB24 picture as a PNG file, replacing what stood at the path. Throws MediaError
-// "Can not write <path>: <reason>"; a file it could not finish is removed.
-void writePng(const Frame& picture, const std::string& path);
+// Writes an RGB24 picture as PNG through an open file descriptor, which stays the caller's, so
+// that no file is opened by name. `name` names the output in failures: MediaError "Can not
+// write <name>: <reason>".
+void writePng(const Frame& picture, int descriptor, const std::string& name);
 
 } // namespace Velmor::AV

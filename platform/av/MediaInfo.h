@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/av/Rational.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -20,6 +22,13 @@ struct StreamInfo {
     // The average frame rate as "num/den"; "0/0" when unknown.
     std::string frameRate;
     std::string pixelFormat;
+    // How the picture is turned to be shown, in degrees counterclockwise as the display matrix
+    // says (a "rotate" tag, which counts clockwise, read into it); 0 for none.
+    int rotation = 0;
+    // The shape of one stored pixel; 1:1 when the file doesn't say.
+    Rational sampleAspectRatio{1, 1};
+    // A still picture beside the sound (cover art), not a video.
+    bool attachedPicture = false;
     // Audio only.
     int sampleRate = 0;
     int channels = 0;

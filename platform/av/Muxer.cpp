@@ -1,5 +1,6 @@
 #include "platform/av/Muxer.h"
 
+#include "platform/av/DescriptorIo.h"
 #include "platform/av/Encoder.h"
 #include "platform/av/LogBridge.h"
 #include "platform/av/MediaError.h"
@@ -18,11 +19,7 @@ namespace Velmor::AV {
 namespace {
 
 struct FreeOutput {
-    void operator()(AVFormatContext* context) const {
-        if (context->pb && !(context->oformat->flags & AVFMT_NOFILE))
-            avio_closep(&context->pb);
-        avformat_free_context(context);
-    }
+    void operator()(AVFormatContext* context) const { avformat_free_context(context); }
 };
 
 struct FreeDictionary {
@@ -33,8 +30,15 @@ struct FreeDictionary {
 
 class Muxer::Private {
 public:
-    std::string path;
-    std::string failure;
+    Private(int descriptor, const std::string& name)
+        : name(name)
+        , failure("Can not write " + name)
+        , io(descriptor, name) {}
+
+    const std::string name;
+    const std::string failure;
+    // Before the context, which writes through it until it goes.
+    DescriptorIo io;
     std::unique_ptr<AVFormatContext, FreeOutput> context;
     // Per stream: the encoder's time base, and what went in.
     std::vector<AVRational> encoderTimeBases;
@@ -43,21 +47,21 @@ public:
     bool finished = false;
 };
 
-Muxer::Muxer(const std::string& path, const std::string& format)
-    : d(std::make_unique<Private>()) {
+Muxer::Muxer(int descriptor, const std::string& name, const std::string& format)
+    : d(std::make_unique<Private>(descriptor, name)) {
     installLogBridge();
-    d->path = path;
-    d->failure = "Can not write " + path;
     AVFormatContext* context = nullptr;
-    check(avformat_alloc_output_context2(&context, nullptr, format.c_str(), path.c_str()),
+    check(avformat_alloc_output_context2(&context, nullptr, format.c_str(), name.c_str()),
           d->failure);
     d->context.reset(context);
+    if (!(context->oformat->flags & AVFMT_NOFILE))
+        d->io.attach(*context);
 }
 
 Muxer::~Muxer() = default;
 
-const std::string& Muxer::path() const {
-    return d->path;
+const std::string& Muxer::name() const {
+    return d->name;
 }
 
 AVFormatContext* Muxer::context() const {
@@ -73,6 +77,10 @@ int Muxer::addStream(const Encoder& encoder) {
     if (!stream)
         throw MediaError(d->failure + ": " + errorText(AVERROR(ENOMEM)));
     check(avcodec_parameters_from_context(stream->codecpar, encoder.context()), d->failure);
+    // MP4's default HEVC tag, hev1, is one Apple's players refuse; hvc1 plays everywhere.
+    const std::string format = d->context->oformat->name;
+    if (stream->codecpar->codec_id == AV_CODEC_ID_HEVC && (format == "mp4" || format == "mov"))
+        stream->codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
     // A hint only: the muxer may choose another in writeHeader.
     stream->time_base = encoder.context()->time_base;
     if (encoder.context()->codec_type == AVMEDIA_TYPE_VIDEO)
@@ -84,8 +92,6 @@ int Muxer::addStream(const Encoder& encoder) {
 
 void Muxer::writeHeader() {
     AVFormatContext& context = *d->context;
-    if (!(context.oformat->flags & AVFMT_NOFILE))
-        check(avio_open(&context.pb, d->path.c_str(), AVIO_FLAG_WRITE), d->failure);
     AVDictionary* raw = nullptr;
     const std::string name = context.oformat->name;
     if (name == "mp4" || name == "mov")
@@ -121,10 +127,8 @@ void Muxer::finish() {
     if (d->finished)
         return;
     d->finished = true;
-    AVFormatContext& context = *d->context;
-    check(av_write_trailer(&context), d->failure);
-    if (context.pb && !(context.oformat->flags & AVFMT_NOFILE))
-        check(avio_closep(&context.pb), d->failure);
+    check(av_write_trailer(d->context.get()), d->failure);
+    d->io.flush();
 }
 
 Muxer::Written Muxer::written(int stream) const {

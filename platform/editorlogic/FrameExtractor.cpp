@@ -1,8 +1,11 @@
 #include "platform/editorlogic/FrameExtractor.h"
 
+#include "platform/av/Decoder.h"
+#include "platform/av/Demuxer.h"
 #include "platform/av/Frame.h"
 #include "platform/av/ImageWriter.h"
 #include "platform/av/Picture.h"
+#include "platform/av/Upright.h"
 #include "platform/editorlogic/DecodedVideoStream.h"
 #include "platform/editorlogic/StreamProvider.h"
 #include "platform/editorlogic/ThumbnailTaskProvider.h"
@@ -10,6 +13,7 @@
 #include "platform/engine/CoreManager.h"
 #include "platform/engine/Probe.h"
 #include "platform/foundation/CallLog.h"
+#include "platform/foundation/OutputFile.h"
 #include "platform/proc/Resizer.h"
 
 #include <algorithm>
@@ -58,8 +62,17 @@ Result FrameExtractor::extract(const Request& request) {
     auto* streams = Media::StreamProvider::instance();
     if (!streams)
         throw std::logic_error("Can not extract a thumbnail: no stream provider runs");
+    // Made before anything is decoded: a folder that is missing or can not be written fails here.
+    const std::string output = request.output.toStdString();
+    using Existing = Velmor::OutputFile::Existing;
+    Velmor::OutputFile file(output, request.overwrite ? Existing::Replace : Existing::Keep);
     const auto stream = streams->videoStream(request.path);
-    const Velmor::AV::Frame& frame = stream->cutter().frameAt(request.atMilliseconds);
+    const Velmor::AV::Frame& decoded = stream->cutter().frameAt(request.atMilliseconds);
+    const Velmor::AV::StreamInfo& info =
+        stream->demuxer().info().streams.at(stream->decoder().streamIndex());
+    Velmor::AV::Upright upright({decoded.width(), decoded.height()}, decoded.format(),
+                                info.rotation, info.sampleAspectRatio);
+    const Velmor::AV::Frame frame = upright.run(decoded);
     const bool original = request.width < 1 || request.height < 1;
     Velmor::Proc::SettingsResizer settings;
     settings.width = original ? frame.width() : request.width;
@@ -67,7 +80,8 @@ Result FrameExtractor::extract(const Request& request) {
     settings.mode = request.mode;
     settings.pixelFormat = Velmor::AV::pixelFormat("rgb24");
     const Velmor::AV::Frame picture = Velmor::Proc::Resizer(settings).Resize(frame);
-    Velmor::AV::writePng(picture, request.output.toStdString());
+    Velmor::AV::writePng(picture, file.descriptor(), output);
+    file.commit();
     return Result{stream->cutter().frameMilliseconds(), settings.width, settings.height};
 }
 

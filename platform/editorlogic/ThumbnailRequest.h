@@ -17,6 +17,9 @@ struct Request {
     int width = -1;
     int height = -1;
     Velmor::Proc::SettingsResizer::CustomModes mode = Velmor::Proc::SettingsResizer::Fit;
+    // Whether a file that stands at the output when the picture is ready is replaced; if not,
+    // the extraction fails with Velmor::OutputExists.
+    bool overwrite = false;
 };
 
 // What was taken.

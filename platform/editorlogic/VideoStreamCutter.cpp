@@ -27,7 +27,7 @@ public:
     Velmor::AV::Decoder& decoder;
     int stream;
     Rational timeBase;
-    // The file's start, in the stream's time base: times asked for count from it.
+    // The file's origin, in the stream's time base: times asked for count from it.
     std::int64_t start;
     Frame current;
     Frame ahead;
@@ -40,7 +40,7 @@ public:
         , decoder(decoder)
         , stream(decoder.streamIndex())
         , timeBase(demuxer.timeBase(stream))
-        , start(rescale(demuxer.startTime(), microseconds, timeBase)) {}
+        , start(rescale(demuxer.origin(), microseconds, timeBase)) {}
 
     std::int64_t toStream(std::int64_t time) const {
         return start + rescale(time, milliseconds, timeBase);
@@ -80,18 +80,21 @@ public:
         ++seeks;
     }
 
-    // Seeks to the target and decodes to it. A key frame found by decoding order may show after
-    // the target; the seek then steps back, a second, two, four..., until a frame at or before
-    // the target comes out or the stream's start is reached.
+    // Seeks to the target and decodes to it. A seek lands where the container's index or its
+    // timestamps say, which may be past the key frame that the target needs (MPEG-TS and MPEG-PS
+    // know only timestamps; an open GOP shows its first pictures before its key frame); the seek
+    // then steps back a second, two, four..., until a frame at or before the target comes out,
+    // or the seek went to the file's head: a second before the stream's first frame, earlier
+    // than any packet of it.
     void seekTo(std::int64_t target) {
         const std::int64_t second = rescale(1, Rational{1, 1}, timeBase);
         const std::int64_t streamStart = demuxer.streamStartTime(stream);
-        const std::int64_t first = streamStart != noTimestamp ? streamStart : 0;
+        const std::int64_t head = (streamStart != noTimestamp ? streamStart : start) - second;
         std::int64_t back = 0;
         while (true) {
             seek(target - back);
             decodeTo(target);
-            if (hasCurrent || !hasAhead || target - back <= first)
+            if (hasCurrent || target - back < head)
                 return;
             back = back == 0 ? second : back * 2;
         }

@@ -11,7 +11,7 @@
 namespace Effects {
 namespace {
 
-using Velmor::AV::FilterSpec;
+using Velmor::AV::FilterStep;
 using Velmor::AV::Frame;
 using Velmor::AV::Size;
 
@@ -45,17 +45,17 @@ std::pair<std::string, std::string> corner(Position position, int margin, int in
     return {x[column(position)], y[row(position)]};
 }
 
-std::vector<FilterSpec> drawingFilters(const std::vector<std::string>& lines,
+std::vector<FilterStep> drawingFilters(const std::vector<std::string>& lines,
                                        const TitleStyle& style, Size frame) {
     const int size = style.size > 0 ? style.size : std::max(1, frame.height / 12);
     const int margin = frame.height / 20;
-    std::vector<FilterSpec> filters;
+    std::vector<FilterStep> filters;
     for (std::size_t index = 0; index < lines.size(); ++index) {
         if (lines[index].empty())
             continue;
         const auto [x, y] =
             corner(style.position, margin, static_cast<int>(index), static_cast<int>(lines.size()));
-        FilterSpec spec{"drawtext",
+        FilterStep step{"drawtext",
                         {{"text", lines[index]},
                          {"expansion", "none"},
                          {"font", style.font},
@@ -64,11 +64,11 @@ std::vector<FilterSpec> drawingFilters(const std::vector<std::string>& lines,
                          {"x", x},
                          {"y", y}}};
         if (style.background) {
-            spec.options.push_back({"box", "1"});
-            spec.options.push_back({"boxcolor", colourText(*style.background)});
-            spec.options.push_back({"boxborderw", std::to_string(std::max(1, size / 5))});
+            step.options.push_back({"box", "1"});
+            step.options.push_back({"boxcolor", colourText(*style.background)});
+            step.options.push_back({"boxborderw", std::to_string(std::max(1, size / 5))});
         }
-        filters.push_back(std::move(spec));
+        filters.push_back(std::move(step));
     }
     return filters;
 }
@@ -143,7 +143,7 @@ std::vector<std::string> titleLines(const std::string& text) {
 }
 
 PlacedPicture renderTitle(const std::string& text, const TitleStyle& style, Size frame) {
-    const std::vector<FilterSpec> filters = drawingFilters(titleLines(text), style, frame);
+    const std::vector<FilterStep> filters = drawingFilters(titleLines(text), style, frame);
     if (filters.empty())
         return {};
     Velmor::AV::FilterChain chain(frame, rgbFormat(), filters, rgbFormat());

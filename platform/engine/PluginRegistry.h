@@ -20,9 +20,10 @@ public:
     static bool IsKnown(const std::string& pluginName);
 
     // Loads a known plug-in. "EffectsFF", "DecodersFF" and "EncodersFF" are modules of their
-    // own (PluginModule), opened here: the last two ask the media libraries for their demuxers
-    // and decoders, and for the editor's encoders; the others find nothing to load in this
-    // build. Throws what opening the module or the libraries throw.
+    // own (PluginModule), opened here: they ask the media libraries for the filters that titles
+    // and the audio mix are made with, for their demuxers and decoders, and for the editor's
+    // encoders; the others find nothing to load in this build. Throws what opening the module or
+    // the libraries throw.
     static LoadedPlugin Load(const std::string& pluginName);
 };
 

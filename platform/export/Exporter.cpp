@@ -1,25 +1,23 @@
 #include "platform/export/Exporter.h"
 
-#include "platform/av/MediaError.h"
 #include "platform/av/Picture.h"
 #include "platform/engine/CoreManager.h"
+#include "platform/foundation/OutputFile.h"
+#include "platform/project/EditReader.h"
+#include "platform/projectrender/ProjectLoader.h"
+#include "platform/projectrender/ProjectSource.h"
 #include "platform/render/ClipSource.h"
 #include "platform/render/ProgressMeter.h"
 #include "platform/render/ResizedVideo.h"
 #include "platform/render/Runner.h"
+#include "platform/render/UprightVideo.h"
 #include "platform/render/Writer.h"
 
 #include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <condition_variable>
-#include <cstdio>
-#include <cstring>
-#include <functional>
 #include <mutex>
 #include <optional>
-
-#include <unistd.h>
 
 namespace Export {
 
@@ -36,10 +34,6 @@ struct EncoderNames {
     std::string audio;
 };
 
-std::string systemReason() {
-    return std::strerror(errno);
-}
-
 AV::RateControl rateControl(BitrateMode mode) {
     switch (mode) {
     case BitrateMode::Quality:
@@ -52,17 +46,23 @@ AV::RateControl rateControl(BitrateMode mode) {
     return AV::RateControl::Auto;
 }
 
+std::optional<Render::ClipSettings::Range> microseconds(const Types::Range& range) {
+    if (!range.isValid())
+        return std::nullopt;
+    return Render::ClipSettings::Range{std::min(range.start(), range.end()) * 1000,
+                                       std::max(range.start(), range.end()) * 1000};
+}
+
 Render::ClipSettings clipSettings(const ExportSettings& settings) {
     Render::ClipSettings clip;
     clip.path = settings.input;
-    const Types::Range& range = settings.range;
-    if (range.isValid())
-        clip.range = Render::ClipSettings::Range{std::min(range.start(), range.end()) * 1000,
-                                                 std::max(range.start(), range.end()) * 1000};
+    // Sound alone is exported as sound alone.
+    clip.requireVideo = false;
+    clip.range = microseconds(settings.range);
     return clip;
 }
 
-// The preset's size, the input's where it has none, even for the encoder's chroma.
+// The preset's size, the input's as shown where it has none, even for the encoder's chroma.
 Proc::SettingsResizer resizing(const Preset& preset, const Render::VideoFormat& input) {
     Proc::SettingsResizer resize;
     resize.width = (preset.width() > 0 ? preset.width() : input.width) & ~1;
@@ -72,15 +72,19 @@ Proc::SettingsResizer resizing(const Preset& preset, const Render::VideoFormat& 
     return resize;
 }
 
-ExportResult exportResult(const Render::WriterResult& written) {
-    const Render::WrittenStream& video = written.streams.at(0);
+// The written streams in the file's order: the video first, when there is one.
+ExportResult exportResult(const Render::WriterResult& written, bool hasVideo) {
     ExportResult result;
-    result.frames = video.packets;
     result.durationMs = written.durationMs;
     result.bytes = written.bytes;
-    result.video = {video.codec, video.width, video.height, video.bitRate};
-    if (written.streams.size() > 1) {
-        const Render::WrittenStream& audio = written.streams[1];
+    std::size_t next = 0;
+    if (hasVideo) {
+        const Render::WrittenStream& video = written.streams.at(next++);
+        result.frames = video.packets;
+        result.video = ExportResult::Video{video.codec, video.width, video.height, video.bitRate};
+    }
+    if (written.streams.size() > next) {
+        const Render::WrittenStream& audio = written.streams[next];
         result.audio =
             ExportResult::Audio{audio.codec, audio.sampleRate, audio.channels, audio.bitRate};
     }
@@ -89,11 +93,15 @@ ExportResult exportResult(const Render::WriterResult& written) {
 
 } // namespace
 
+ExportCancelled::ExportCancelled(const std::string& output)
+    : std::runtime_error("Export cancelled: " + output) {}
+
 class Exporter::Private {
 public:
     ExportSettings settings;
-    std::string temporary;
     std::atomic<bool> cancelled{false};
+    // A project input, read and validated before anything is written; none for a media file.
+    std::optional<Project::Edit> project;
 
     // The runner of the export under way, for cancel().
     std::mutex runnerMutex;
@@ -104,42 +112,18 @@ public:
     std::condition_variable runEnded;
     bool running = false;
 
-    ExportCancelled cancelledFailure() const {
-        return ExportCancelled("Export cancelled: " + settings.output);
-    }
+    ExportCancelled cancelledFailure() const { return ExportCancelled(settings.output); }
 
-    ExportResult throughTemporary(const std::function<ExportResult()>& write);
-    ExportResult render(const Progress& progress, const EncoderNames& encoders);
+    ExportResult render(const Progress& progress, const EncoderNames& encoders, OutputFile& file);
     ExportResult wire(Render::Runner& runner, const Progress& progress,
-                      const EncoderNames& encoders);
+                      const EncoderNames& encoders, OutputFile& file);
+    template <typename Input>
+    ExportResult wireInput(Render::Runner& runner, Input& input, const Progress& progress,
+                           const EncoderNames& encoders, OutputFile& file);
 };
 
-// The output appears complete or not at all: written beside it under this name, renamed into
-// place when done, removed on any other end.
-namespace {
-std::string temporaryFor(const std::string& output) {
-    return output + ".reelsmith-partial-" + std::to_string(::getpid());
-}
-} // namespace
-
-ExportResult Exporter::Private::throughTemporary(const std::function<ExportResult()>& write) {
-    // Fails for a directory that is missing or not writable, before anything is decoded.
-    std::FILE* file = std::fopen(temporary.c_str(), "wb");
-    if (!file)
-        throw AV::MediaError("Can not write " + settings.output + ": " + systemReason());
-    std::fclose(file);
-    try {
-        ExportResult result = write();
-        if (std::rename(temporary.c_str(), settings.output.c_str()) != 0)
-            throw AV::MediaError("Can not write " + settings.output + ": " + systemReason());
-        return result;
-    } catch (...) {
-        std::remove(temporary.c_str());
-        throw;
-    }
-}
-
-ExportResult Exporter::Private::render(const Progress& progress, const EncoderNames& encoders) {
+ExportResult Exporter::Private::render(const Progress& progress, const EncoderNames& encoders,
+                                       OutputFile& file) {
     Render::Runner renderRunner;
     {
         std::lock_guard<std::mutex> lock(runnerMutex);
@@ -154,55 +138,67 @@ ExportResult Exporter::Private::render(const Progress& progress, const EncoderNa
             d.runner = nullptr;
         }
     } forget{*this};
-    return wire(renderRunner, progress, encoders);
+    return wire(renderRunner, progress, encoders, file);
 }
 
-// Decoding, resizing and encoding the pictures each on a thread of its own, the sound on one
-// more; the demuxer read by whichever of them needs a packet.
 ExportResult Exporter::Private::wire(Render::Runner& runner, const Progress& progress,
-                                     const EncoderNames& encoders) {
-    const Preset& preset = settings.preset;
+                                     const EncoderNames& encoders, OutputFile& file) {
+    if (project) {
+        Render::ProjectSource composed(*project, microseconds(settings.range), runner.stop());
+        return wireInput(runner, composed, progress, encoders, file);
+    }
     Render::ClipSource clip(clipSettings(settings), runner.stop());
-    Render::VideoSource& decoded = runner.boundary(*clip.video(), pictureCapacity);
-    Render::ResizedVideo resized(decoded, resizing(preset, decoded.format()));
-    Render::VideoSource& pictures = runner.boundary(resized, pictureCapacity);
+    return wireInput(runner, clip, progress, encoders, file);
+}
 
-    Render::Writer writer(temporary, preset.container());
-    const Render::VideoEncoding video{encoders.video, rateControl(preset.videoBitrateMode()),
-                                      preset.videoBitrateBps()};
-    runner.connect(pictures, writer.addVideo(pictures.format(), video));
-    if (const std::optional<Render::AudioFormat> input = clip.inputAudio()) {
+// Making (decoding or composing), standing upright, resizing and encoding the pictures each on a
+// thread of its own, the sound on one more; a media file's demuxer read by whichever of them
+// needs a packet.
+template <typename Input>
+ExportResult Exporter::Private::wireInput(Render::Runner& runner, Input& input,
+                                          const Progress& progress, const EncoderNames& encoders,
+                                          OutputFile& file) {
+    const Preset& preset = settings.preset;
+    Render::Writer writer(file.descriptor(), settings.output, preset.container());
+    // The stages of the pictures, from the made to the encoded; none without video.
+    std::optional<Render::UprightVideo> upright;
+    std::optional<Render::ResizedVideo> resized;
+    if (Render::VideoSource* video = input.video()) {
+        Render::VideoSource& made = runner.boundary(*video, pictureCapacity);
+        upright.emplace(made);
+        resized.emplace(*upright, resizing(preset, upright->format()));
+        Render::VideoSource& pictures = runner.boundary(*resized, pictureCapacity);
+        const Render::VideoEncoding encoding{encoders.video, rateControl(preset.videoBitrateMode()),
+                                             preset.videoBitrateBps()};
+        runner.connect(pictures, writer.addVideo(pictures.format(), encoding));
+    }
+    if (const std::optional<Render::AudioFormat> offered = input.inputAudio()) {
         const Render::AudioEncoding audio{encoders.audio, preset.audioBitrateBps()};
-        Render::AudioSource& sound = *clip.audio(Render::Writer::audioFormat(audio, *input));
+        Render::AudioSource& sound = *input.audio(Render::Writer::audioFormat(audio, *offered));
         runner.connect(sound, writer.addAudio(sound.format(), audio));
     }
 
     std::optional<Render::ProgressMeter> meter;
     if (progress) {
-        meter.emplace(clip.durationMs(), [&progress](const Render::Progress& value) {
+        meter.emplace(input.durationMs(), [&progress](const Render::Progress& value) {
             progress(ExportProgress{value.progress, value.frames, value.fps});
         });
         writer.onEncoded(
             [&meter](std::int64_t frames, std::int64_t endMs) { meter->update(frames, endMs); });
     }
     runner.run();
-    return exportResult(writer.finish());
+    return exportResult(writer.finish(), upright.has_value());
 }
 
 Exporter::Exporter(ExportSettings settings)
     : d(std::make_unique<Private>()) {
     d->settings = std::move(settings);
-    d->temporary = temporaryFor(d->settings.output);
 }
 
 Exporter::~Exporter() {
     cancel();
     std::unique_lock<std::mutex> lock(d->runMutex);
     d->runEnded.wait(lock, [this] { return !d->running; });
-}
-
-const std::string& Exporter::temporaryPath() const {
-    return d->temporary;
 }
 
 ExportResult Exporter::run(const Progress& progress) {
@@ -228,8 +224,20 @@ ExportResult Exporter::run(const Progress& progress) {
                                 core.EncoderFor(preset.audioCodec())};
     if (d->cancelled)
         throw d->cancelledFailure();
+    // A bad project fails before anything is written, with the project's words.
+    const QString input = QString::fromStdString(d->settings.input);
+    if (Project::looksLikeProject(input)) {
+        d->project = Render::loadProject(input);
+        Render::requireRenderPlugins(*d->project);
+    }
+    // Made before anything is decoded: a folder that is missing or can not be written fails here.
+    const auto existing =
+        d->settings.overwrite ? OutputFile::Existing::Replace : OutputFile::Existing::Keep;
+    OutputFile file(d->settings.output, existing);
     try {
-        return d->throughTemporary([&] { return d->render(progress, encoders); });
+        ExportResult result = d->render(progress, encoders, file);
+        file.commit();
+        return result;
     } catch (...) {
         // Whatever a cancelled export failed with on its way out (an interrupted read), it was
         // cancelled.

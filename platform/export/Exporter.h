@@ -11,14 +11,18 @@
 
 namespace Export {
 
-// What an export is to do: read `input`, and write `output` as the ready preset says
-// (container, video codec, frame size and fill mode, bitrate mode and rates, audio rate).
+// What an export is to do: read `input` (a media file, or a project file that it composes and
+// mixes), and write `output` as the ready preset says (container, video codec, frame size and
+// fill mode, bitrate mode and rates, audio rate).
 struct ExportSettings {
     std::string input;
     std::string output;
     Preset preset;
     // Milliseconds from the start of the input; a default range exports the whole input.
     Types::Range range;
+    // Whether a file that stands at the output when the export is complete is replaced; if not,
+    // the export fails with Velmor::OutputExists "Output file exists: <output>".
+    bool overwrite = false;
 };
 
 // How far a running export is.
@@ -48,7 +52,8 @@ struct ExportResult {
     std::int64_t frames = 0;
     std::int64_t durationMs = 0;
     std::int64_t bytes = 0;
-    Video video;
+    // None for an input without video: its sound alone is written.
+    std::optional<Video> video;
     // None for an input without audio.
     std::optional<Audio> audio;
 };
@@ -56,9 +61,10 @@ struct ExportResult {
 // One export: the pictures decoded, resized and encoded each on a thread of its own, the sound
 // on another, joined by bounded queues, so that memory stays flat whatever the input's length.
 //
-// It writes a temporary file beside the output, named "<output>.reelsmith-partial-<pid>", and
-// renames it into place only when the output is complete: there is never a partial file at the
-// output path. Whatever ends the export other than success removes the temporary.
+// It writes the output through a Velmor::OutputFile: a temporary beside the output, named
+// "<output>.reelsmith-partial-<host>-<pid>-<letters>", flushed to disk and renamed into place
+// only when the output is complete, so that there is never a partial file at the output path.
+// Whatever ends the export other than success removes the temporary.
 class Exporter {
 public:
     using Progress = std::function<void(const ExportProgress& progress)>;
@@ -69,12 +75,12 @@ public:
     // Cancels a running export and waits for its threads.
     ~Exporter();
 
-    // The path of the temporary file, known before run() begins.
-    const std::string& temporaryPath() const;
-
     // Runs the export to its end on the calling thread and the stages' threads, calling
-    // `progress` from time to time on one of them. Throws the failure that ended it, and
-    // ExportCancelled after cancel().
+    // `progress` from time to time on one of them. A project is read, validated and checked
+    // against the plug-ins first: it fails before anything is written. Throws the failure that
+    // ended it (among them Project::ProjectError for a bad project, and Velmor::WriteError "Can
+    // not write <output>: <reason>", at once for a folder that is missing or can not be
+    // written), and ExportCancelled after cancel().
     ExportResult run(const Progress& progress);
     // Ends a running export within one frame's work, from any thread; a blocked read of the
     // input gives up too.
@@ -88,7 +94,7 @@ private:
 // The failure an export cancelled from outside ends with: "Export cancelled: <output>".
 class ExportCancelled : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    explicit ExportCancelled(const std::string& output);
 };
 
 } // namespace Export

@@ -60,9 +60,11 @@ struct VideoClip {
     std::optional<Effects::PanZoomPath> panZoom;
     std::optional<TransitionSpec> transition;
 
-    // Set by validation: where the clip starts in the project and how long it lasts.
+    // Set by validation: where the clip starts in the project and how long it lasts, and
+    // whether its file has sound.
     std::int64_t startMs = 0;
     std::int64_t lengthMs = 0;
+    bool hasAudio = false;
 };
 
 // A clip of an overlay track: a title, a still picture or a video, over the video track.
@@ -106,6 +108,9 @@ struct AudioClip {
     std::int64_t fadeInMs = 0;
     std::int64_t fadeOutMs = 0;
     bool loop = false;
+
+    // Set by validation: how long one play lasts, from in_ms to out_ms (or the file's end).
+    std::int64_t lengthMs = 0;
 };
 
 // Lowers a track while the video track's audio is above the threshold.

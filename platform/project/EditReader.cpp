@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <filesystem>
 
 namespace Project {
 namespace {
@@ -181,6 +182,11 @@ Edit readDocument(nlohmann::json document, const QString& path, const IThemes& t
 } // namespace
 
 bool looksLikeProject(const QString& path) {
+    // Only a regular file: reading a pipe or a device to look would wait for it, or take what
+    // the media reader needs.
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path.toStdString(), error))
+        return false;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return false;

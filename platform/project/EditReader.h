@@ -8,8 +8,9 @@
 
 namespace Project {
 
-// Whether a file reads as a project rather than media: its first byte that is no blank (after a
-// UTF-8 byte order mark) opens a JSON object. No media file starts so; a file that does is read
+// Whether a file reads as a project rather than media: a regular file (never a pipe or a device,
+// which looking into would block or consume) whose first byte that is no blank (after a UTF-8
+// byte order mark) opens a JSON object. No media file starts so; a file that does is read
 // as a project, and reading tells what is wrong with it.
 bool looksLikeProject(const QString& path);
 

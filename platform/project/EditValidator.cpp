@@ -72,6 +72,7 @@ void settleVideoClip(VideoClip& clip, Facts& facts) {
     const std::string name = clip.source.toStdString();
     if (!media.hasVideo)
         facts.fail(clip.path + ".source", "No video stream in " + name);
+    clip.hasAudio = media.hasAudio;
     if (media.isStill) {
         if (clip.inMs != 0 || clip.outMs)
             facts.fail(clip.path + (clip.outMs ? ".out_ms" : ".in_ms"),
@@ -143,11 +144,11 @@ void settleOverlayClip(OverlayClip& clip, std::int64_t projectMs, Facts& facts) 
     clip.lengthMs = std::min(length, untilEnd);
 }
 
-void settleAudioClip(const AudioClip& clip, std::int64_t projectMs, Facts& facts) {
+void settleAudioClip(AudioClip& clip, std::int64_t projectMs, Facts& facts) {
     const MediaFacts& media = facts.of(clip.file, clip.source, clip.path);
     if (!media.hasAudio)
         facts.fail(clip.path + ".source", "No audio stream in " + clip.source.toStdString());
-    facts.cutLength(clip.path, clip.source, media, clip.inMs, clip.outMs);
+    clip.lengthMs = facts.cutLength(clip.path, clip.source, media, clip.inMs, clip.outMs);
     if (clip.startMs >= projectMs)
         facts.fail(clip.path + ".start_ms",
                    ms(clip.startMs) + " is past the end of the project (" + ms(projectMs) + ")");
@@ -189,8 +190,8 @@ Edit validateEdit(Edit edit, const IMediaProber& prober) {
     for (OverlayTrack& track : edit.overlays)
         for (OverlayClip& clip : track.clips)
             settleOverlayClip(clip, edit.lengthMs, facts);
-    for (const AudioTrack& track : edit.audio)
-        for (const AudioClip& clip : track.clips)
+    for (AudioTrack& track : edit.audio)
+        for (AudioClip& clip : track.clips)
             settleAudioClip(clip, edit.lengthMs, facts);
     return edit;
 }

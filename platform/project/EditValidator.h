@@ -6,9 +6,10 @@
 namespace Project {
 
 // Checks an edit against its media before anything renders, and settles what reading left
-// open: which clips are still pictures, every clip's length and start, the overlays' lengths
-// (cut at the end of the project), the output's size and rate, the project's length. Each
-// media file is probed once. Throws ProjectError, the place of the bad value in each message:
+// open: which clips are still pictures, every clip's length and start, which video clips have
+// sound, the overlays' lengths (cut at the end of the project), the length of one play of each
+// audio clip, the output's size and rate, the project's length. Each media file is probed once.
+// Throws ProjectError, the place of the bad value in each message:
 //     "<project>: <clip>.source: <what probing threw>", naming the file as the project does
 //     "<project>: <clip>.source: No video stream in <source>" (No audio stream for audio clips)
 //     "<project>: <clip>.in_ms: <source> is a still picture; give duration_ms"

@@ -12,6 +12,10 @@ struct ClipSettings {
     struct Range {
         std::int64_t from = 0;
         std::int64_t to = 0;
+
+        // Throws AV::MediaError "Range <from>:<to> ms is outside <input> (<length> ms)" unless
+        // the range is a non-empty part of an input `lengthMs` long.
+        void requireWithin(const std::string& input, std::int64_t lengthMs) const;
     };
 
     std::string path;

@@ -2,6 +2,7 @@
 
 #include "platform/av/Decoder.h"
 #include "platform/av/Demuxer.h"
+#include "platform/av/Frame.h"
 #include "platform/av/MediaError.h"
 #include "platform/render/Cancelled.h"
 #include "platform/render/ClipAudio.h"
@@ -16,13 +17,10 @@ namespace {
 
 constexpr AV::Rational microseconds{1, 1000000};
 constexpr std::int64_t endless = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t second = 1000000;
 // The packets that wait for a stream's consumer: enough for the file's interleaving, little
 // enough to keep memory flat.
 constexpr std::size_t packetCapacity = 64;
-
-std::string milliseconds(std::int64_t microseconds) {
-    return std::to_string(microseconds / 1000);
-}
 
 } // namespace
 
@@ -56,25 +54,47 @@ public:
 
     void chooseSpan() {
         const std::int64_t inputMs = demuxer->info().durationMs;
-        begin = demuxer->startTime();
+        begin = demuxer->origin();
         durationMs = inputMs;
         if (!settings.range)
             return;
         const ClipSettings::Range& range = *settings.range;
-        if (range.from < 0 || range.from >= range.to || range.to > inputMs * 1000)
-            throw AV::MediaError("Range " + milliseconds(range.from) + ":" + milliseconds(range.to)
-                                 + " ms is outside " + settings.path + " ("
-                                 + std::to_string(inputMs) + " ms)");
+        range.requireWithin(settings.path, inputMs);
         begin += range.from;
         end = begin + (range.to - range.from);
         durationMs = (range.to - range.from) / 1000;
     }
 
+    // A seek lands on a key frame at or before the time as far as the container knows; MPEG-TS
+    // and MPEG-PS know only timestamps, and may land past the key frame that the range's first
+    // picture needs. So the first picture after the seek is decoded, and the seek steps back a
+    // second, two, four..., until that picture is at or before the range's start, or the seek
+    // went a second before the file's first timestamp, earlier than any packet.
     void seek() {
         if (!settings.range || begin <= demuxer->startTime())
             return;
         const int stream = videoStream >= 0 ? videoStream : audioStream;
-        demuxer->seek(stream, AV::rescale(begin, microseconds, demuxer->timeBase(stream)));
+        const std::int64_t head = demuxer->startTime() - second;
+        std::int64_t point = begin;
+        demuxer->seek(stream, inStream(point, stream));
+        for (std::int64_t back = second; videoStream >= 0 && point >= head && !reachesBegin();
+             back *= 2) {
+            point = begin - back;
+            demuxer->seek(stream, inStream(point, stream));
+        }
+        // Again, for the packets the check read.
+        if (videoStream >= 0)
+            demuxer->seek(stream, inStream(point, stream));
+    }
+
+    // Whether the first picture decoded from here shows at or before the range's start.
+    bool reachesBegin() {
+        AV::Decoder decoder(*demuxer, videoStream, 1);
+        AV::Frame picture;
+        if (!decoder.decodeNext(*demuxer, picture) || picture.timestamp() == AV::noTimestamp)
+            return true;
+        return AV::rescale(picture.timestamp(), demuxer->timeBase(videoStream), microseconds)
+               <= begin;
     }
 
     std::int64_t inStream(std::int64_t time, int stream) const {

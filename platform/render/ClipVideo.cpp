@@ -40,6 +40,8 @@ public:
         format.height = info.height;
         format.frameRate = demuxer.frameRate(stream);
         format.timeBase = demuxer.timeBase(stream);
+        format.rotation = info.rotation;
+        format.sampleAspectRatio = info.sampleAspectRatio;
     }
 
     SharedDemuxer& packets;

@@ -30,8 +30,8 @@ public:
               std::int64_t end, const Stop& stop);
     ~ClipVideo() override;
 
-    // The stream's size as the file gives it, the decoder's pixel format, the stream's rate and
-    // time base.
+    // The stream's size as the file stores it, the decoder's pixel format, the stream's rate,
+    // time base, rotation and sample aspect ratio.
     VideoFormat format() const override;
     bool next(AV::Frame& frame) override;
     void finish() override;

@@ -21,8 +21,8 @@ struct Stream {
 
 class SharedMuxer::Private {
 public:
-    Private(const std::string& path, const std::string& format)
-        : muxer(path, format) {}
+    Private(int descriptor, const std::string& name, const std::string& format)
+        : muxer(descriptor, name, format) {}
 
     AV::Muxer muxer;
     mutable std::mutex mutex;
@@ -50,8 +50,8 @@ public:
     }
 };
 
-SharedMuxer::SharedMuxer(const std::string& path, const std::string& format)
-    : d(std::make_unique<Private>(path, format)) {}
+SharedMuxer::SharedMuxer(int descriptor, const std::string& name, const std::string& format)
+    : d(std::make_unique<Private>(descriptor, name, format)) {}
 
 SharedMuxer::~SharedMuxer() = default;
 
@@ -62,7 +62,7 @@ bool SharedMuxer::wantsGlobalHeader() const {
 int SharedMuxer::add() {
     std::lock_guard<std::mutex> lock(d->mutex);
     if (d->headerWritten)
-        throw std::logic_error("Can not write " + d->muxer.path()
+        throw std::logic_error("Can not write " + d->muxer.name()
                                + ": a stream added after the header");
     d->streams.emplace_back();
     return static_cast<int>(d->streams.size()) - 1;

@@ -22,8 +22,9 @@ namespace Velmor::Render {
 // finish() once all of them ended. The encoders must outlive finish().
 class SharedMuxer {
 public:
-    // Throws MediaError "Can not write <path>: <reason>".
-    SharedMuxer(const std::string& path, const std::string& format);
+    // Writes through `descriptor`, as AV::Muxer does; `name` names the output in failures.
+    // Throws MediaError "Can not write <name>: <reason>".
+    SharedMuxer(int descriptor, const std::string& name, const std::string& format);
     SharedMuxer(const SharedMuxer&) = delete;
     SharedMuxer& operator=(const SharedMuxer&) = delete;
     ~SharedMuxer();
@@ -31,15 +32,15 @@ public:
     // Whether encoders must put their headers out of band.
     bool wantsGlobalHeader() const;
     // Declares the next stream; its number for opened() and write(). Throws std::logic_error
-    // "Can not write <path>: a stream added after the header".
+    // "Can not write <name>: a stream added after the header".
     int add();
     // The stream's encoder has opened. The last one writes the header and what waited for it;
-    // throws MediaError "Can not write <path>: <reason>".
+    // throws MediaError "Can not write <name>: <reason>".
     void opened(int stream, const AV::Encoder& encoder);
     // Writes an encoded packet of the stream, or keeps it until the header is out. The packet
     // is empty afterwards.
     void write(int stream, AV::Packet& packet);
-    // Writes the trailer and closes the file.
+    // Writes the trailer and what waits in the buffer.
     void finish();
     AV::Muxer::Written written(int stream) const;
 

@@ -14,6 +14,10 @@ struct VideoFormat {
     AV::Rational frameRate{0, 1};
     // The unit of the frames' timestamps.
     AV::Rational timeBase{0, 1};
+    // How the pictures are to be shown: turned by degrees counterclockwise, and the shape of a
+    // pixel (AV::StreamInfo's fields); UprightVideo applies both.
+    int rotation = 0;
+    AV::Rational sampleAspectRatio{1, 1};
 };
 
 } // namespace Velmor::Render

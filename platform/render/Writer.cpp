@@ -1,14 +1,17 @@
 #include "platform/render/Writer.h"
 
 #include "platform/av/Encoder.h"
+#include "platform/av/MediaError.h"
 #include "platform/render/AudioEncoderSink.h"
 #include "platform/render/EncodedStream.h"
 #include "platform/render/SharedMuxer.h"
 #include "platform/render/VideoEncoderSink.h"
 
 #include <algorithm>
-#include <filesystem>
+#include <cerrno>
+#include <cstring>
 #include <functional>
+#include <sys/stat.h>
 #include <vector>
 
 namespace Velmor::Render {
@@ -22,11 +25,13 @@ std::int64_t bitRate(std::int64_t bytes, std::int64_t durationMs) {
 
 class Writer::Private {
 public:
-    Private(const std::string& path, const std::string& container)
-        : path(path)
-        , muxer(path, container) {}
+    Private(int descriptor, const std::string& name, const std::string& container)
+        : descriptor(descriptor)
+        , name(name)
+        , muxer(descriptor, name, container) {}
 
-    const std::string path;
+    const int descriptor;
+    const std::string name;
     SharedMuxer muxer;
     std::vector<std::unique_ptr<VideoEncoderSink>> videos;
     std::vector<std::unique_ptr<AudioEncoderSink>> audios;
@@ -35,8 +40,8 @@ public:
     std::vector<EncodedStream*> encoded;
 };
 
-Writer::Writer(const std::string& path, const std::string& container)
-    : d(std::make_unique<Private>(path, container)) {}
+Writer::Writer(int descriptor, const std::string& name, const std::string& container)
+    : d(std::make_unique<Private>(descriptor, name, container)) {}
 
 Writer::~Writer() = default;
 
@@ -76,7 +81,10 @@ WriterResult Writer::finish() {
         result.durationMs = std::max(result.durationMs, written.durationMs);
         result.streams.push_back(written);
     }
-    result.bytes = static_cast<std::int64_t>(std::filesystem::file_size(d->path));
+    struct stat status {};
+    if (::fstat(d->descriptor, &status) != 0)
+        throw AV::MediaError("Can not write " + d->name + ": " + std::strerror(errno));
+    result.bytes = status.st_size;
     return result;
 }
 

@@ -20,8 +20,8 @@ class FrameSink;
 //
 // Each stream's sink is written on a thread of its own (the runner's connection), so no stream
 // waits for another: the header goes out when every encoder has opened (each at its first frame),
-// and the muxer interleaves the packets. The file is created at the header; `path` may be
-// anything the caller renames later.
+// and the muxer interleaves the packets. The file is an open descriptor, never opened by name:
+// the caller's Velmor::OutputFile puts it in place once the writer has finished.
 //
 // Threads and lifetimes: add the streams and set onEncoded on one thread before the sinks are
 // written; finish() after every sink was closed, on any one thread. The sinks live as long as
@@ -33,9 +33,10 @@ public:
     // furthest end in ms, for a progress meter.
     using Encoded = std::function<void(std::int64_t packets, std::int64_t endMs)>;
 
-    // `container`: the muxer's short name ("mp4"). Throws MediaError "Can not write <path>:
-    // <reason>".
-    Writer(const std::string& path, const std::string& container);
+    // `descriptor`: the file to write, open for reading too, and the caller's; `name` names the
+    // output in failures; `container`: the muxer's short name ("mp4"). Throws MediaError "Can
+    // not write <name>: <reason>".
+    Writer(int descriptor, const std::string& name, const std::string& container);
     Writer(const Writer&) = delete;
     Writer& operator=(const Writer&) = delete;
     ~Writer();
@@ -46,14 +47,14 @@ public:
     static AudioFormat audioFormat(const AudioEncoding& encoding, const AudioFormat& offered);
 
     // A stream, in the file's order, and the sink its frames go to. Throws std::logic_error
-    // "Can not write <path>: a stream added after the header" once a sink was written.
+    // "Can not write <name>: a stream added after the header" once a sink was written.
     FrameSink& addVideo(const VideoFormat& format, const VideoEncoding& encoding);
     FrameSink& addAudio(const AudioFormat& format, const AudioEncoding& encoding);
     // Follows the packets of the first stream added.
     void onEncoded(Encoded encoded);
 
-    // Writes the trailer and closes the file; what was written. Throws MediaError "Can not
-    // write <path>: <reason>".
+    // Writes the trailer and what waits in the buffer; what was written. Throws MediaError "Can
+    // not write <name>: <reason>".
     WriterResult finish();
 
 private:

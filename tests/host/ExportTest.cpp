@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSysInfo>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <csignal>
@@ -368,11 +369,13 @@ TEST_F(ExportTest, ATimeLimitExpiringWhileAnExportsTemporaryExistsRemovesIt) {
     QProcess process;
     startHost(process, {"script", writeScript(script), "--jobs=0"});
     process.closeWriteChannel();
-    const QString temporary =
-        QStringLiteral("out.mp4.reelsmith-partial-%1").arg(process.processId());
+    // Its name says the output, this host and the process; then come letters nobody can guess.
+    const QString temporary = QStringLiteral("out.mp4.reelsmith-partial-%1-%2-")
+                                  .arg(QSysInfo::machineHostName())
+                                  .arg(process.processId());
     bool temporaryExisted = false;
     while (!temporaryExisted && process.state() == QProcess::Running) {
-        temporaryExisted = files().contains(temporary);
+        temporaryExisted = !files().filter(temporary).isEmpty();
         process.waitForFinished(20);
     }
     ASSERT_TRUE(temporaryExisted) << files().join(' ').toStdString();

@@ -18,7 +18,8 @@ using EditorService::Testing::ToolRun;
 namespace {
 
 // One preset and one of its codecs, and what ffprobe must find in the export: the codec's
-// name and the preset's frame size (mp4 keeps the input's 320x240).
+// name, the tag players look for (hvc1, not hev1, for HEVC) and the preset's frame size (mp4
+// keeps the input's 320x240).
 struct PresetCodecRow {
     const char* name;
     const char* preset;
@@ -27,20 +28,20 @@ struct PresetCodecRow {
 };
 
 const PresetCodecRow presetCodecRows[] = {
-    {"Mp4H264", "mp4", "CODEC_ID_H264", "h264,320,240"},
-    {"Mp4Hevc", "mp4", "CODEC_ID_HEVC", "hevc,320,240"},
-    {"P2160H264", "2160p", "CODEC_ID_H264", "h264,3840,2160"},
-    {"P2160Hevc", "2160p", "CODEC_ID_HEVC", "hevc,3840,2160"},
-    {"P1440H264", "1440p", "CODEC_ID_H264", "h264,2560,1440"},
-    {"P1440Hevc", "1440p", "CODEC_ID_HEVC", "hevc,2560,1440"},
-    {"P1080H264", "1080p", "CODEC_ID_H264", "h264,1920,1080"},
-    {"P1080Hevc", "1080p", "CODEC_ID_HEVC", "hevc,1920,1080"},
-    {"P720H264", "720p", "CODEC_ID_H264", "h264,1280,720"},
-    {"P720Hevc", "720p", "CODEC_ID_HEVC", "hevc,1280,720"},
-    {"P480H264", "480p", "CODEC_ID_H264", "h264,854,480"},
-    {"P480Hevc", "480p", "CODEC_ID_HEVC", "hevc,854,480"},
-    {"P360H264", "360p", "CODEC_ID_H264", "h264,640,360"},
-    {"P360Hevc", "360p", "CODEC_ID_HEVC", "hevc,640,360"},
+    {"Mp4H264", "mp4", "CODEC_ID_H264", "h264,avc1,320,240"},
+    {"Mp4Hevc", "mp4", "CODEC_ID_HEVC", "hevc,hvc1,320,240"},
+    {"P2160H264", "2160p", "CODEC_ID_H264", "h264,avc1,3840,2160"},
+    {"P2160Hevc", "2160p", "CODEC_ID_HEVC", "hevc,hvc1,3840,2160"},
+    {"P1440H264", "1440p", "CODEC_ID_H264", "h264,avc1,2560,1440"},
+    {"P1440Hevc", "1440p", "CODEC_ID_HEVC", "hevc,hvc1,2560,1440"},
+    {"P1080H264", "1080p", "CODEC_ID_H264", "h264,avc1,1920,1080"},
+    {"P1080Hevc", "1080p", "CODEC_ID_HEVC", "hevc,hvc1,1920,1080"},
+    {"P720H264", "720p", "CODEC_ID_H264", "h264,avc1,1280,720"},
+    {"P720Hevc", "720p", "CODEC_ID_HEVC", "hevc,hvc1,1280,720"},
+    {"P480H264", "480p", "CODEC_ID_H264", "h264,avc1,854,480"},
+    {"P480Hevc", "480p", "CODEC_ID_HEVC", "hevc,hvc1,854,480"},
+    {"P360H264", "360p", "CODEC_ID_H264", "h264,avc1,640,360"},
+    {"P360Hevc", "360p", "CODEC_ID_HEVC", "hevc,hvc1,640,360"},
 };
 
 class PresetExportTest : public testing::TestWithParam<PresetCodecRow> {
@@ -75,9 +76,10 @@ TEST_P(PresetExportTest, ExportsTheCodecAtThePresetsFrameSize) {
                  "--output=" + output, QStringLiteral("--preset=%1").arg(row.preset),
                  QStringLiteral("--preset-video-codec=%1").arg(row.codec), "--range=0:200"});
     ASSERT_EQ(run.exitCode, 0) << run.errors.toStdString();
-    const ToolRun probe = runTool(QStringLiteral("ffprobe"),
-                                  {"-v", "error", "-select_streams", "v", "-show_entries",
-                                   "stream=codec_name,width,height", "-of", "csv=p=0", output});
+    const ToolRun probe =
+        runTool(QStringLiteral("ffprobe"),
+                {"-v", "error", "-select_streams", "v", "-show_entries",
+                 "stream=codec_name,codec_tag_string,width,height", "-of", "csv=p=0", output});
     EXPECT_EQ(probe.output.trimmed().toStdString(), row.probed) << probe.errors.toStdString();
 }
 

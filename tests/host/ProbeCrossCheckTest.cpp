@@ -76,11 +76,19 @@ TEST_P(ProbeCrossCheckTest, ProbeMatchesFfprobeFieldByField) {
         EXPECT_EQ(our.at("type"), their.at("codec_type"));
         EXPECT_EQ(our.at("codec"), their.at("codec_name"));
         if (their.at("codec_type") == "video") {
-            EXPECT_EQ(our.size(), 7u) << our.dump();
+            EXPECT_EQ(our.size(), 9u) << our.dump();
             EXPECT_EQ(our.at("width"), number(their, "width"));
             EXPECT_EQ(our.at("height"), number(their, "height"));
             EXPECT_EQ(our.at("frame_rate"), text(their, "avg_frame_rate"));
             EXPECT_EQ(our.at("pixel_format"), text(their, "pix_fmt"));
+            // Pixels the file doesn't shape are square.
+            const std::string shape = their.value("sample_aspect_ratio", "1:1");
+            EXPECT_EQ(our.at("sample_aspect_ratio"),
+                      shape == "N/A" || shape == "0:1" ? "1:1" : shape);
+            int rotation = 0;
+            for (const json& side : their.value("side_data_list", json::array()))
+                rotation = side.value("rotation", rotation);
+            EXPECT_EQ(our.at("rotation"), rotation);
         } else if (their.at("codec_type") == "audio") {
             EXPECT_EQ(our.size(), 5u) << our.dump();
             EXPECT_EQ(our.at("sample_rate"), number(their, "sample_rate"));
@@ -99,7 +107,10 @@ INSTANTIATE_TEST_SUITE_P(
                     Fixture{"OddWidth1921x1080", "wide_1921x1080.mp4"},
                     Fixture{"Portrait", "portrait.mp4"}, Fixture{"NoAudio", "noaudio.mp4"},
                     Fixture{"LosslessFfv1", "lossless.mkv"},
-                    Fixture{"SubtitleAndAttachment", "subtitles.mkv"}),
+                    Fixture{"SubtitleAndAttachment", "subtitles.mkv"},
+                    Fixture{"Rotated", "rotate90.mp4"}, Fixture{"Anamorphic", "sar_64_45.mp4"},
+                    Fixture{"MpegTs", "open_gop.ts"}, Fixture{"LateStart", "start_10s.mp4"},
+                    Fixture{"CoverArt", "cover_art.mp3"}),
     [](const testing::TestParamInfo<Fixture>& info) { return info.param.name; });
 
 } // namespace

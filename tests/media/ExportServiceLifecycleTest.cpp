@@ -2,6 +2,7 @@
 
 #include "platform/editorlogic/FileController.h"
 #include "platform/editorlogic/TaskController.h"
+#include "platform/foundation/OutputFile.h"
 #include "platform/foundation/Temporaries.h"
 #include "service/contexts/GlobalContextProvider.h"
 #include "tests/media/LifecycleTable.h"
@@ -18,6 +19,7 @@
 #include <gtest/gtest.h>
 #include <mutex>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 using EditorService::ExportRun;
@@ -121,16 +123,14 @@ struct Gate {
     }
 };
 
-// Writes its temporary, reports progress, waits at the gate, then renames the temporary into
-// place or fails or is cancelled, removing the temporary as the pipeline's exporter does.
+// Writes its temporary through an output file, as the pipeline's exporter does, reports
+// progress, waits at the gate, then puts the output in place or fails or is cancelled, the
+// output file removing its temporary.
 class HeldExport : public ExportRun {
 public:
     HeldExport(std::shared_ptr<Gate> gate, Export::ExportSettings settings)
         : gate(std::move(gate))
-        , settings(std::move(settings))
-        , temporary(this->settings.output + ".reelsmith-partial-test") {}
-
-    const std::string& temporaryPath() const override { return temporary; }
+        , settings(std::move(settings)) {}
 
     Export::ExportResult run(const Export::Exporter::Progress& progress) override {
         {
@@ -147,10 +147,10 @@ public:
             }
         } ended{*gate};
 
-        QFile file(QString::fromStdString(temporary));
-        if (!file.open(QIODevice::WriteOnly))
-            throw std::runtime_error("Can not open " + temporary);
-        file.write(QByteArray(100, 'x'));
+        Velmor::OutputFile file(settings.output, Velmor::OutputFile::Existing::Keep);
+        const std::string bytes(100, 'x');
+        if (::write(file.descriptor(), bytes.data(), bytes.size()) != 100)
+            throw std::runtime_error("Can not write " + file.temporaryPath());
         progress({0.5, 1, 25.0});
         Gate::Release how = Gate::Release::Hold;
         {
@@ -158,7 +158,7 @@ public:
             ++gate->holding;
             const auto listed = Velmor::Temporaries::paths();
             gate->temporaryListed =
-                std::find(listed.begin(), listed.end(), temporary) != listed.end();
+                std::find(listed.begin(), listed.end(), file.temporaryPath()) != listed.end();
             gate->changed.notify_all();
             gate->changed.wait(lock,
                                [&] { return gate->release != Gate::Release::Hold || cancelled; });
@@ -166,21 +166,18 @@ public:
             how = cancelled ? Gate::Release::Hold : gate->release;
         }
         if (how != Gate::Release::Finish) {
-            file.close();
-            QFile::remove(QString::fromStdString(temporary));
             if (how == Gate::Release::Fail)
                 throw std::runtime_error("No space left on device");
-            throw Export::ExportCancelled("Export cancelled: " + settings.output);
+            throw Export::ExportCancelled(settings.output);
         }
-        file.write(QByteArray(100, 'x'));
-        file.close();
-        if (std::rename(temporary.c_str(), settings.output.c_str()) != 0)
-            throw std::runtime_error("Can not rename " + temporary);
+        if (::write(file.descriptor(), bytes.data(), bytes.size()) != 100)
+            throw std::runtime_error("Can not write " + file.temporaryPath());
+        file.commit();
         Export::ExportResult result;
         result.frames = 2;
         result.durationMs = 80;
         result.bytes = 200;
-        result.video = {"h264", 320, 240, 20000};
+        result.video = Export::ExportResult::Video{"h264", 320, 240, 20000};
         return result;
     }
 
@@ -193,7 +190,6 @@ public:
 private:
     std::shared_ptr<Gate> gate;
     Export::ExportSettings settings;
-    std::string temporary;
     bool cancelled = false; // under the gate's mutex
 };
 

@@ -50,10 +50,7 @@ class HeldRun : public ExportRun {
 public:
     HeldRun(std::shared_ptr<Hold> hold, std::string output)
         : hold(std::move(hold))
-        , output(std::move(output))
-        , temporary(this->output + ".reelsmith-partial-test") {}
-
-    const std::string& temporaryPath() const override { return temporary; }
+        , output(std::move(output)) {}
 
     Export::ExportResult run(const Export::Exporter::Progress&) override {
         std::unique_lock<std::mutex> lock(hold->mutex);
@@ -61,7 +58,7 @@ public:
         hold->changed.wait(lock, [this] { return hold->released || cancelled; });
         --hold->running;
         if (cancelled)
-            throw Export::ExportCancelled("Export cancelled: " + output);
+            throw Export::ExportCancelled(output);
         QFile file(QString::fromStdString(output));
         file.open(QIODevice::WriteOnly);
         return {};
@@ -76,7 +73,6 @@ public:
 private:
     std::shared_ptr<Hold> hold;
     std::string output;
-    std::string temporary;
     bool cancelled = false; // under the hold's mutex
 };
 

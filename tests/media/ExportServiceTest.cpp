@@ -4,6 +4,7 @@
 #include "platform/editorlogic/FileController.h"
 #include "platform/engine/PluginError.h"
 #include "platform/export/Exporter.h"
+#include "platform/foundation/OutputFile.h"
 #include "platform/package/PackageDirectory.h"
 #include "service/api/Error.h"
 #include "service/contexts/GlobalContextProvider.h"
@@ -25,6 +26,7 @@
 #include <mutex>
 #include <optional>
 #include <thread>
+#include <unistd.h>
 
 using EditorService::Error;
 using EditorService::ExportRequest;
@@ -65,15 +67,12 @@ struct Pipeline {
     std::vector<Export::ExportSettings> settings;
 };
 
-// Writes its temporary a frame at a time and renames it as the pipeline's exporter does.
+// Writes its output a frame at a time through an output file, as the pipeline's exporter does.
 class StandInExport : public ExportRun {
 public:
     StandInExport(std::shared_ptr<Pipeline> pipeline, Export::ExportSettings settings)
         : shared(std::move(pipeline))
-        , settings(std::move(settings))
-        , temporary(this->settings.output + ".reelsmith-partial-test") {}
-
-    const std::string& temporaryPath() const override { return temporary; }
+        , settings(std::move(settings)) {}
 
     Export::ExportResult run(const Export::Exporter::Progress& progress) override {
         auto& pipeline = *shared;
@@ -92,7 +91,6 @@ public:
             result = frames(progress);
         } catch (...) {
             failure = std::current_exception();
-            QFile::remove(QString::fromStdString(temporary));
         }
         {
             std::lock_guard<std::mutex> lock(pipeline.mutex);
@@ -112,34 +110,33 @@ public:
 private:
     Export::ExportResult frames(const Export::Exporter::Progress& progress) {
         auto& pipeline = *shared;
-        QFile file(QString::fromStdString(temporary));
-        if (!file.open(QIODevice::WriteOnly))
-            throw std::runtime_error("Can not open " + temporary);
+        using Existing = Velmor::OutputFile::Existing;
+        Velmor::OutputFile file(settings.output,
+                                settings.overwrite ? Existing::Replace : Existing::Keep);
+        const std::string bytes(100, 'x');
         for (int frame = 1; frame <= pipeline.frames; ++frame) {
             if (cancelled)
-                throw Export::ExportCancelled("Export cancelled: " + settings.output);
+                throw Export::ExportCancelled(settings.output);
             if (pipeline.failAt && *pipeline.failAt == frame)
                 std::rethrow_exception(pipeline.failure());
             std::this_thread::sleep_for(pipeline.perFrame);
-            file.write(QByteArray(100, 'x'));
+            if (::write(file.descriptor(), bytes.data(), bytes.size()) != 100)
+                throw std::runtime_error("Can not write " + file.temporaryPath());
             progress({double(frame) / pipeline.frames, frame, 25.0});
         }
-        file.close();
-        // As the pipeline does: rename(2) replaces what stands at the output.
-        if (std::rename(temporary.c_str(), settings.output.c_str()) != 0)
-            throw std::runtime_error("Can not rename " + temporary);
+        file.commit();
         Export::ExportResult result;
         result.frames = pipeline.frames;
         result.durationMs = pipeline.frames * 40;
         result.bytes = pipeline.frames * 100;
-        result.video = {"h264", settings.preset.width(), settings.preset.height(), 1000};
+        result.video = Export::ExportResult::Video{"h264", settings.preset.width(),
+                                                   settings.preset.height(), 1000};
         result.audio = Export::ExportResult::Audio{"aac", 44100, 2, 128000};
         return result;
     }
 
     std::shared_ptr<Pipeline> shared;
     Export::ExportSettings settings;
-    std::string temporary;
     std::atomic<bool> cancelled{false};
 };
 

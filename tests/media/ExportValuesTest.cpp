@@ -37,7 +37,7 @@ TEST(ExportValuesTest, TheDoneValueHasNullAudioForAnOutputWithout) {
     result.frames = 2;
     result.durationMs = 80;
     result.bytes = 200;
-    result.video = {"h264", 320, 240, 20000};
+    result.video = Export::ExportResult::Video{"h264", 320, 240, 20000};
     const auto done = ExportValues::done(settings, result, 1000, 2000).at("export");
     EXPECT_TRUE(done.at("audio").is_null());
     EXPECT_EQ(done.at("done"), true);

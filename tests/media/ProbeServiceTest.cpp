@@ -51,7 +51,9 @@ TEST_F(ProbeServiceTest, DescribesAFileAsOneValueWithExactlyItsKeys) {
                                        {"width", 320},
                                        {"height", 240},
                                        {"frame_rate", "25/1"},
-                                       {"pixel_format", "yuv420p"}},
+                                       {"pixel_format", "yuv420p"},
+                                       {"rotation", 0},
+                                       {"sample_aspect_ratio", "1:1"}},
                                       {{"index", 1},
                                        {"type", "audio"},
                                        {"codec", "aac"},
@@ -66,6 +68,25 @@ TEST_F(ProbeServiceTest, DescribesAFileAsOneValueWithExactlyItsKeys) {
     value["probe"]["bit_rate"] = expected["probe"]["bit_rate"];
     value["probe"]["size"] = expected["probe"]["size"];
     EXPECT_EQ(value, expected);
+}
+
+TEST_F(ProbeServiceTest, AVideoTellsItsStoredSizeRotationAndPixelShape) {
+    startProvider();
+    const auto rotated = probe(fixture("rotate90.mp4"));
+    ASSERT_EQ(rotated->values.size(), 1u) << failureText(rotated->error);
+    const auto& turned = rotated->values[0]["probe"]["streams"][0];
+    EXPECT_EQ(turned["width"], 160);
+    EXPECT_EQ(turned["height"], 90);
+    EXPECT_EQ(turned["rotation"], 90);
+    EXPECT_EQ(turned["sample_aspect_ratio"], "1:1");
+
+    const auto anamorphic = probe(fixture("sar_64_45.mp4"));
+    ASSERT_EQ(anamorphic->values.size(), 1u) << failureText(anamorphic->error);
+    const auto& stretched = anamorphic->values[0]["probe"]["streams"][0];
+    EXPECT_EQ(stretched["width"], 180);
+    EXPECT_EQ(stretched["height"], 144);
+    EXPECT_EQ(stretched["rotation"], 0);
+    EXPECT_EQ(stretched["sample_aspect_ratio"], "64:45");
 }
 
 TEST_F(ProbeServiceTest, AFileOfAudioOnlyHasAudioKeysOnly) {

@@ -82,7 +82,9 @@ TEST(ThumbnailRequestTest, TheJsonFormHasTheFieldsUnderTheOptionNames) {
                               {"output", "t.png"},
                               {"at", 1500},
                               {"preset-frame-size", "160:90"},
-                              {"preset-resize-fill-mode", "Center"}};
+                              {"preset-resize-fill-mode", "Center"},
+                              {"overwrite", true},
+                              {"skip-existing", false}};
     const auto request = serializer.loadFromJson(json);
     const auto& loaded = thumbnail(request);
     EXPECT_EQ(loaded.path, "clip.mp4");
@@ -90,14 +92,16 @@ TEST(ThumbnailRequestTest, TheJsonFormHasTheFieldsUnderTheOptionNames) {
     EXPECT_EQ(loaded.at, 1500);
     EXPECT_EQ(*loaded.frameSize, PresetFrameSize(160, 90));
     EXPECT_EQ(loaded.resizeFillMode, SettingsResizer::Center);
+    EXPECT_TRUE(loaded.overwrite);
+    EXPECT_FALSE(loaded.skipExisting);
     EXPECT_EQ(serializer.toJson(*request), json);
 }
 
 TEST(ThumbnailRequestTest, BothFormsRoundTrip) {
     ThumbnailRequest::Serializer serializer;
-    const auto request = serializer.loadFromCli({"thumbnail", "dir/a b.mp4", "--output=o.png",
-                                                 "--at=42", "--preset-frame-size=320:240",
-                                                 "--preset-resize-fill-mode=FitWidth"});
+    const auto request = serializer.loadFromCli(
+        {"thumbnail", "dir/a b.mp4", "--output=o.png", "--at=42", "--preset-frame-size=320:240",
+         "--preset-resize-fill-mode=FitWidth", "--skip-existing"});
     for (const auto& again : {serializer.loadFromCli(serializer.toCli(*request)),
                               serializer.loadFromJson(serializer.toJson(*request))}) {
         const auto& loaded = thumbnail(again);
@@ -106,6 +110,8 @@ TEST(ThumbnailRequestTest, BothFormsRoundTrip) {
         EXPECT_EQ(loaded.at, 42);
         EXPECT_EQ(*loaded.frameSize, PresetFrameSize(320, 240));
         EXPECT_EQ(loaded.resizeFillMode, SettingsResizer::FitWidth);
+        EXPECT_FALSE(loaded.overwrite);
+        EXPECT_TRUE(loaded.skipExisting);
     }
 }
 
@@ -116,7 +122,8 @@ TEST(ThumbnailRequestTest, HelpDescribesTheServiceAndEveryOption) {
     const std::string help = failureText(failure);
     for (const char* expected :
          {"Write the frame on screen at a time of a video as a PNG picture", "--path <path>",
-          "--output <file.png>", "--at <ms>", "--preset-frame-size", "--preset-resize-fill-mode"})
+          "--output <file.png>", "--at <ms>", "--preset-frame-size", "--preset-resize-fill-mode",
+          "--overwrite", "--skip-existing"})
         EXPECT_NE(help.find(expected), std::string::npos) << expected;
 }
 
@@ -175,6 +182,23 @@ TEST(ThumbnailRequestTest, AnUnknownFillModeFailsWithThePresetOptionsText) {
 TEST(ThumbnailRequestTest, ATimeThatIsNoNumberFailsToParse) {
     EXPECT_THAT(fromCli({"clip.mp4", "--output=t.png", "--at=abc"}),
                 FailedWith<std::runtime_error>("Can not parse \"abc\" as long long"));
+}
+
+TEST(ThumbnailRequestTest, AnExistingOutputFailsUnlessOneOfTheTwoChoicesIsGiven) {
+    const auto request =
+        ThumbnailRequest::Serializer().loadFromCli({"thumbnail", "clip.mp4", "--output=t.png"});
+    EXPECT_FALSE(thumbnail(request).overwrite);
+    EXPECT_FALSE(thumbnail(request).skipExisting);
+}
+
+TEST(ThumbnailRequestTest, OverwriteAndSkipExistingTogetherFailWithError) {
+    EXPECT_THAT(fromCli({"clip.mp4", "--output=t.png", "--overwrite", "--skip-existing"}),
+                FailedWith<Error>("--overwrite and --skip-existing can not be given together"));
+    EXPECT_THAT(fromJson({{"path", "clip.mp4"},
+                          {"output", "t.png"},
+                          {"overwrite", true},
+                          {"skip-existing", true}}),
+                FailedWith<Error>("--overwrite and --skip-existing can not be given together"));
 }
 
 TEST(ThumbnailRequestTest, ADefaultRequestIsInvalid) {

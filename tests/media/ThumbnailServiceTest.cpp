@@ -30,6 +30,17 @@ protected:
         return collectToEnd(service.run(arguments));
     }
 
+    QString writeScratch(const QString& name, const QByteArray& bytes) const {
+        QFile file(scratchFile(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        return file.fileName();
+    }
+    QByteArray readScratch(const QString& name) const {
+        QFile file(scratchFile(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
+    }
+
     // The first bytes of a PNG file.
     static bool isPng(const QString& path) {
         QFile file(path);
@@ -167,12 +178,71 @@ TEST_F(ThumbnailServiceTest, ATimePastTheEndFailsWithMediaErrorGivingTheDuration
                                        + " (2000 ms)"));
 }
 
-TEST_F(ThumbnailServiceTest, AnOutputThatCanNotBeWrittenFailsWithMediaError) {
+TEST_F(ThumbnailServiceTest, AMissingFolderFailsWithErrorBeforeTheRuntimeStarts) {
     startProvider();
     const QString output = scratchFile("no/such/dir/t.png");
     EXPECT_THAT(thumbnail({fixture("h264_aac.mp4"), "--output=" + output})->error,
-                FailedWith<MediaError>("Can not write " + output.toStdString()
-                                       + ": No such file or directory"));
+                FailedWith<Error>("Can not write to " + scratchFile("no/such/dir").toStdString()
+                                  + ": No such file or directory"));
+    EXPECT_EQ(countOf("CoreManager::Initialize"), 0);
+}
+
+TEST_F(ThumbnailServiceTest, AnOutputFolderThatIsAFileFailsWithError) {
+    startProvider();
+    writeScratch("plain", "not a folder");
+    EXPECT_THAT(
+        thumbnail({fixture("h264_aac.mp4"), "--output=" + scratchFile("plain/t.png")})->error,
+        FailedWith<Error>("Can not write to " + scratchFile("plain").toStdString()
+                          + ": Not a directory"));
+}
+
+TEST_F(ThumbnailServiceTest, AnExistingOutputFailsWithErrorReadsNothingAndStaysAsItWas) {
+    startProvider();
+    const QString output = writeScratch("t.png", "old");
+    EXPECT_THAT(thumbnail({fixture("h264_aac.mp4"), "--output=" + output})->error,
+                FailedWith<Error>("Output file exists: " + output.toStdString()));
+    EXPECT_EQ(countOf("CoreManager::Initialize"), 0);
+    EXPECT_EQ(readScratch("t.png"), "old");
+}
+
+TEST_F(ThumbnailServiceTest, ALinkAtTheOutputCountsAsAnExistingOutput) {
+    startProvider();
+    ASSERT_TRUE(QFile::link(scratchFile("nowhere"), scratchFile("t.png")));
+    EXPECT_THAT(thumbnail({fixture("h264_aac.mp4"), "--output=" + scratchFile("t.png")})->error,
+                FailedWith<Error>("Output file exists: " + scratchFile("t.png").toStdString()));
+}
+
+TEST_F(ThumbnailServiceTest, OverwriteReplacesAnExistingOutput) {
+    startProvider();
+    const QString output = writeScratch("t.png", "old");
+    const auto collected =
+        thumbnail({fixture("h264_aac.mp4"), "--output=" + output, "--overwrite"});
+    ASSERT_EQ(collected->values.size(), 1u) << failureText(collected->error);
+    EXPECT_TRUE(isPng(output));
+}
+
+TEST_F(ThumbnailServiceTest, SkipExistingEmitsTheSkippedValueAndReadsNothing) {
+    startProvider();
+    const QString output = writeScratch("t.png", "old");
+    const auto collected =
+        thumbnail({fixture("h264_aac.mp4"), "--output=" + output, "--skip-existing"});
+    ASSERT_FALSE(collected->error) << failureText(collected->error);
+    EXPECT_TRUE(collected->completed);
+    const nlohmann::json skipped{
+        {"thumbnail", {{"output", output.toStdString()}, {"skipped", true}}}};
+    EXPECT_EQ(collected->values, std::vector<nlohmann::json>{skipped});
+    EXPECT_EQ(countOf("CoreManager::Initialize"), 0);
+    EXPECT_EQ(readScratch("t.png"), "old");
+}
+
+TEST_F(ThumbnailServiceTest, SkipExistingWithoutAnOutputTakesTheThumbnail) {
+    startProvider();
+    const QString output = scratchFile("t.png");
+    const auto collected =
+        thumbnail({fixture("h264_aac.mp4"), "--output=" + output, "--skip-existing"});
+    ASSERT_EQ(collected->values.size(), 1u) << failureText(collected->error);
+    EXPECT_TRUE(collected->values[0]["thumbnail"].contains("frame_ms"));
+    EXPECT_TRUE(isPng(output));
 }
 
 TEST_F(ThumbnailServiceTest, WithDecodersDisabledAThumbnailFailsWithPluginError) {

@@ -22,6 +22,11 @@ struct Collected {
         std::lock_guard<std::mutex> lock(mutex);
         return completed || error;
     }
+    // The values so far, while others may still come.
+    std::vector<nlohmann::json> valuesNow() {
+        std::lock_guard<std::mutex> lock(mutex);
+        return values;
+    }
 };
 
 inline std::shared_ptr<Collected> collect(const rxcpp::observable<nlohmann::json>& stream) {

@@ -78,6 +78,18 @@ TEST(DemuxerTest, ReadsEveryPacketThenReportsTheEnd) {
     EXPECT_FALSE(demuxer.read(packet));
 }
 
+TEST(DemuxerTest, ReadingOnlyOneStreamSkipsTheOthers) {
+    Demuxer demuxer(mediaFixture("h264_aac.mp4"));
+    demuxer.readOnly(1);
+    Packet packet;
+    int packets = 0;
+    while (demuxer.read(packet)) {
+        EXPECT_EQ(packet.streamIndex(), 1);
+        ++packets;
+    }
+    EXPECT_GT(packets, 80);
+}
+
 TEST(DemuxerTest, SeekingBackwardsLandsOnAKeyFrameAtOrBeforeTheTime) {
     Demuxer demuxer(mediaFixture("noaudio.mp4"));
     Packet packet;
@@ -171,4 +183,35 @@ TEST(DemuxerTest, AReadOfAFifoThatNeverDeliversAsksTheCallbackAndGivesUp) {
         FailedWith<MediaError>("Can not open media file: " + fifo + ": Immediate exit requested"));
     ::close(writer);
     EXPECT_GT(asked, 20);
+}
+
+TEST(DemuxerTest, ReadsTheDisplayRotationAndThePixelShapeOfAVideoStream) {
+    const Demuxer rotated(mediaFixture("rotate90.mp4"));
+    const auto& turned = rotated.info().streams.at(0);
+    EXPECT_EQ(turned.rotation, 90);
+    EXPECT_EQ(turned.width, 160);
+    EXPECT_EQ(turned.height, 90);
+    EXPECT_EQ(turned.sampleAspectRatio, (Velmor::AV::Rational{1, 1}));
+
+    const Demuxer anamorphic(mediaFixture("sar_64_45.mp4"));
+    EXPECT_EQ(anamorphic.info().streams.at(0).sampleAspectRatio, (Velmor::AV::Rational{64, 45}));
+    EXPECT_EQ(anamorphic.info().streams.at(0).rotation, 0);
+}
+
+TEST(DemuxerTest, TakesNoCoverArtForTheVideo) {
+    const Demuxer demuxer(mediaFixture("cover_art.mp3"));
+    EXPECT_TRUE(demuxer.info().streams.at(1).attachedPicture);
+    EXPECT_EQ(demuxer.bestStream("video"), -1);
+    EXPECT_EQ(demuxer.bestStream("audio"), 0);
+}
+
+TEST(DemuxerTest, CountsTheTimelineOfMp4AndMatroskaFromZeroAndOfMpegTsFromItsFirstTimestamp) {
+    const Demuxer late(mediaFixture("start_10s.mp4"));
+    EXPECT_EQ(late.startTime(), 10000000);
+    EXPECT_EQ(late.origin(), 0);
+    EXPECT_EQ(late.info().durationMs, 13000);
+
+    const Demuxer broadcast(mediaFixture("open_gop.ts"));
+    EXPECT_GT(broadcast.startTime(), 1000000);
+    EXPECT_EQ(broadcast.origin(), broadcast.startTime());
 }

@@ -36,7 +36,7 @@ TEST(FilterChainTest, AnEmptyChainConvertsToTheOutputFormat) {
 }
 
 TEST(FilterChainTest, DrawtextTakesItsTextUnescaped) {
-    const std::vector<FilterSpec> filters{{"drawtext",
+    const std::vector<FilterStep> filters{{"drawtext",
                                            {{"text", "a:b'c\\d%{pts}"},
                                             {"expansion", "none"},
                                             {"font", "DejaVu Sans"},

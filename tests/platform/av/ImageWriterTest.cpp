@@ -7,8 +7,10 @@
 #include "tests/support/FailedWith.h"
 
 #include <QTemporaryDir>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 extern "C" {
 #include <libavutil/frame.h>
@@ -36,13 +38,26 @@ Frame paintedPicture() {
     return picture;
 }
 
+// Writes through a descriptor of a new file at the path.
+void writePngAt(const Frame& picture, const std::string& path, int mode = O_WRONLY) {
+    const int descriptor = ::open(path.c_str(), mode | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    ASSERT_GE(descriptor, 0) << path;
+    try {
+        writePng(picture, descriptor, path);
+    } catch (...) {
+        ::close(descriptor);
+        throw;
+    }
+    ::close(descriptor);
+}
+
 } // namespace
 
 TEST(ImageWriterTest, WritesAPngThatReadsBackToTheSamePixels) {
     const QTemporaryDir directory;
     const std::string path = directory.filePath("picture.png").toStdString();
     const Frame picture = paintedPicture();
-    writePng(picture, path);
+    writePngAt(picture, path);
 
     Demuxer demuxer(path);
     EXPECT_EQ(demuxer.info().streams.at(0).codec, "png");
@@ -60,15 +75,16 @@ TEST(ImageWriterTest, WritesAPngThatReadsBackToTheSamePixels) {
     }
 }
 
-TEST(ImageWriterTest, AnUnwritablePathFailsWithTheSystemsReason) {
-    EXPECT_THAT([&] { writePng(paintedPicture(), "/nonexistent/picture.png"); },
-                FailedWith<MediaError>(
-                    "Can not write /nonexistent/picture.png: No such file or directory"));
+TEST(ImageWriterTest, ADescriptorThatCanNotBeWrittenFailsWithTheSystemsReason) {
+    const QTemporaryDir directory;
+    const std::string path = directory.filePath("picture.png").toStdString();
+    EXPECT_THAT([&] { writePngAt(paintedPicture(), path, O_RDONLY); },
+                FailedWith<MediaError>("Can not write " + path + ": Bad file descriptor"));
 }
 
 TEST(ImageWriterTest, APictureThatIsNotRgbIsRefused) {
     const QTemporaryDir directory;
     const std::string path = directory.filePath("picture.png").toStdString();
-    EXPECT_THAT([&] { writePng(Frame::picture(4, 4, AV_PIX_FMT_YUV420P), path); },
+    EXPECT_THAT([&] { writePngAt(Frame::picture(4, 4, AV_PIX_FMT_YUV420P), path); },
                 FailedWith<MediaError>("Can not write " + path + ": the picture is not RGB24"));
 }

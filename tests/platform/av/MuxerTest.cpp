@@ -8,11 +8,14 @@
 #include "platform/av/Picture.h"
 #include "tests/support/FailedWith.h"
 
+#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <fcntl.h>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -57,21 +60,35 @@ void writePictures(Muxer& muxer, Encoder& encoder, int stream, int count) {
 
 class MuxerTest : public testing::Test {
 protected:
+    void TearDown() override {
+        for (int descriptor : descriptors)
+            ::close(descriptor);
+    }
+
     std::string path(const std::string& name) const {
         return directory.filePath(QString::fromStdString(name)).toStdString();
     }
+    // A new file open for reading and writing, as the muxer wants it.
+    int open(const std::string& name, int mode = O_RDWR) {
+        const int descriptor = ::open(path(name).c_str(), mode | O_CREAT | O_TRUNC, 0644);
+        EXPECT_GE(descriptor, 0) << name;
+        descriptors.push_back(descriptor);
+        return descriptor;
+    }
+
     QTemporaryDir directory;
+    std::vector<int> descriptors;
 };
 
 TEST_F(MuxerTest, Mp4WantsTheCodecsHeadersOutOfBand) {
-    EXPECT_TRUE(Muxer(path("a.mp4"), "mp4").wantsGlobalHeader());
-    EXPECT_FALSE(Muxer(path("a.ts"), "mpegts").wantsGlobalHeader());
+    EXPECT_TRUE(Muxer(open("a.mp4"), "a.mp4", "mp4").wantsGlobalHeader());
+    EXPECT_FALSE(Muxer(open("a.ts"), "a.ts", "mpegts").wantsGlobalHeader());
 }
 
 TEST_F(MuxerTest, PacketsAreRescaledToTheStreamsTimeBaseChosenAtTheHeader) {
     const std::string file = path("out.mp4");
     {
-        Muxer muxer(file, "mp4");
+        Muxer muxer(open("out.mp4"), file, "mp4");
         auto encoder = videoEncoder(muxer.wantsGlobalHeader());
         const int stream = muxer.addStream(*encoder);
         muxer.writeHeader();
@@ -87,27 +104,57 @@ TEST_F(MuxerTest, PacketsAreRescaledToTheStreamsTimeBaseChosenAtTheHeader) {
     EXPECT_EQ(demuxer.frameRate(0), (Rational{25, 1}));
 }
 
-TEST_F(MuxerTest, TheHeaderOfAFileThatCanNotBeCreatedFailsWithTheSystemsReason) {
-    const std::string file = path("missing/out.mp4");
-    Muxer muxer(file, "mp4");
-    muxer.addStream(*videoEncoder(true));
-    EXPECT_THAT([&] { muxer.writeHeader(); },
-                FailedWith<MediaError>("Can not write " + file + ": No such file or directory"));
-}
-
-TEST_F(MuxerTest, AnUnknownContainerFailsNamingThePath) {
-    EXPECT_THAT([&] { Muxer(path("a.xyz"), "nosuchformat"); },
-                FailedWith<MediaError>("Can not write " + path("a.xyz") + ": Invalid argument"));
-}
-
-TEST_F(MuxerTest, AMuxerLeftWithoutItsTrailerClosesItsFile) {
-    const std::string file = path("unfinished.mp4");
+// The index pass reads the file back: through the descriptor, never by the name it was given,
+// which here leads nowhere.
+TEST_F(MuxerTest, AnMp4GetsItsIndexAtTheFrontWithoutItsNameEverBeingOpened) {
+    const std::string nowhere = "/nonexistent/folder/out.mp4";
     {
-        Muxer muxer(file, "mp4");
+        Muxer muxer(open("out.mp4"), nowhere, "mp4");
+        auto encoder = videoEncoder(true);
+        const int stream = muxer.addStream(*encoder);
+        muxer.writeHeader();
+        writePictures(muxer, *encoder, stream, 25);
+        muxer.finish();
+    }
+    QFile written(QString::fromStdString(path("out.mp4")));
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    const QByteArray bytes = written.readAll();
+    ASSERT_GE(bytes.indexOf("moov"), 0);
+    EXPECT_LT(bytes.indexOf("moov"), bytes.indexOf("mdat"));
+    QProcess ffprobe;
+    ffprobe.start("ffprobe",
+                  {"-v", "error", "-count_frames", "-show_entries", "stream=nb_read_frames", "-of",
+                   "csv=p=0", QString::fromStdString(path("out.mp4"))});
+    ASSERT_TRUE(ffprobe.waitForFinished(60000));
+    EXPECT_EQ(ffprobe.readAllStandardOutput().trimmed(), "25");
+}
+
+TEST_F(MuxerTest, AFileThatCanNotBeWrittenFailsNamingTheOutputWithTheSystemsReason) {
+    Muxer muxer(open("out.mp4", O_RDONLY), "out.mp4", "mp4");
+    auto encoder = videoEncoder(true);
+    const int stream = muxer.addStream(*encoder);
+    EXPECT_THAT(
+        [&] {
+            muxer.writeHeader();
+            writePictures(muxer, *encoder, stream, 25);
+            muxer.finish();
+        },
+        FailedWith<MediaError>("Can not write out.mp4: Bad file descriptor"));
+}
+
+TEST_F(MuxerTest, AnUnknownContainerFailsNamingTheOutput) {
+    EXPECT_THAT([&] { Muxer(open("a.xyz"), "a.xyz", "nosuchformat"); },
+                FailedWith<MediaError>("Can not write a.xyz: Invalid argument"));
+}
+
+TEST_F(MuxerTest, AMuxerLeftWithoutItsTrailerLeavesItsDescriptorOpen) {
+    const int descriptor = open("unfinished.mp4");
+    {
+        Muxer muxer(descriptor, "unfinished.mp4", "mp4");
         auto encoder = videoEncoder(true);
         const int stream = muxer.addStream(*encoder);
         muxer.writeHeader();
         writePictures(muxer, *encoder, stream, 5);
     }
-    EXPECT_TRUE(std::filesystem::exists(file));
+    EXPECT_NE(::fcntl(descriptor, F_GETFD), -1);
 }

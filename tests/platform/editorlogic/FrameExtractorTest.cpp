@@ -7,12 +7,16 @@
 #include "platform/editorlogic/ThumbnailTaskProvider.h"
 #include "platform/engine/PluginError.h"
 #include "platform/foundation/CallLog.h"
+#include "platform/foundation/OutputExists.h"
+#include "platform/foundation/WriteError.h"
 #include "tests/host/MediaTools.h"
 #include "tests/platform/editorlogic/RunningEngine.h"
 #include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <atomic>
@@ -130,6 +134,12 @@ protected:
         return QString::fromUtf8(run.output).trimmed();
     }
 
+    // Three bytes at the output, as an earlier run might have left.
+    bool writeOld() const {
+        QFile old(output);
+        return old.open(QIODevice::WriteOnly) && old.write("old") == 3;
+    }
+
     QTemporaryDir directory;
     QString output = directory.filePath("thumbnail.png");
     Core::ExecutorFactory executors;
@@ -192,4 +202,30 @@ TEST_F(FrameExtractionTest, WithoutAStreamProviderExtractionIsALogicError) {
     const EditorService::Testing::RunningEngine engine;
     EXPECT_THAT([&] { extract({}); }, FailedWith<std::logic_error>(
                                           "Can not extract a thumbnail: no stream provider runs"));
+}
+
+TEST_F(FrameExtractionWithEngineTest, AMissingFolderFailsBeforeTheInputIsRead) {
+    Thumbnail::Request request;
+    request.path = directory.filePath("no-such-input.mp4");
+    request.output = directory.filePath("missing/thumbnail.png");
+    EXPECT_THAT([&] { extractor.extract(request); },
+                FailedWith<Velmor::WriteError>("Can not write " + request.output.toStdString()
+                                               + ": No such file or directory"));
+}
+
+TEST_F(FrameExtractionWithEngineTest, AnExistingOutputIsKeptAndNoTemporaryStays) {
+    ASSERT_TRUE(writeOld());
+    EXPECT_THAT([&] { extract({}); },
+                FailedWith<Velmor::OutputExists>("Output file exists: " + output.toStdString()));
+    EXPECT_EQ(QDir(directory.path()).entryList(QDir::Files), QStringList{"thumbnail.png"});
+    EXPECT_EQ(QFileInfo(output).size(), 3);
+}
+
+TEST_F(FrameExtractionWithEngineTest, AnExistingOutputIsReplacedWhenTheRequestOverwrites) {
+    ASSERT_TRUE(writeOld());
+    Thumbnail::Request request;
+    request.overwrite = true;
+    extract(request);
+    EXPECT_EQ(outputSize(), "320x240");
+    EXPECT_EQ(QDir(directory.path()).entryList(QDir::Files), QStringList{"thumbnail.png"});
 }

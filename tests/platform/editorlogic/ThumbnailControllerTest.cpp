@@ -87,7 +87,9 @@ TEST(ThumbnailControllerTest, AFailureReachesDoneInsteadOfAResult) {
     Thumbnail::Controller controller(std::make_shared<Thumbnail::FrameExtractor>());
     Thumbnail::Request request;
     request.path = QStringLiteral("/nonexistent/a.mp4");
-    request.output = QStringLiteral("/nonexistent/t.png");
+    // A folder that takes the output: a missing one would fail before the input is read.
+    const QTemporaryDir folder;
+    request.output = folder.filePath(QStringLiteral("t.png"));
     std::promise<std::exception_ptr> failed;
     controller.extract(request, [&](const Thumbnail::Result&, std::exception_ptr error) {
         failed.set_value(std::move(error));

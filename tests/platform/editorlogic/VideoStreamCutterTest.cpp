@@ -93,3 +93,30 @@ TEST(VideoStreamCutterStillTest, AStillTellsNoDurationAndShowsItsFrameAtAnyTime)
     EXPECT_EQ(cutter.frameAt(5000).width(), 64);
     EXPECT_EQ(cutter.frameMilliseconds(), 0);
 }
+
+namespace {
+
+// The frame on screen at each time, in a fresh cutter of the file's best video stream.
+std::int64_t frameShownIn(const std::string& fixture, std::int64_t milliseconds) {
+    Velmor::AV::Demuxer demuxer(mediaFixture(fixture));
+    Velmor::AV::Decoder decoder(demuxer, demuxer.bestStream("video"));
+    Media::VideoStreamCutter cutter(demuxer, decoder);
+    cutter.frameAt(milliseconds);
+    return cutter.frameMilliseconds();
+}
+
+} // namespace
+
+TEST(VideoStreamCutterTimelineTest, ATransportStreamCountsFromItsFirstTimestampThroughOpenGops) {
+    // Timestamps from 1.459 s (the sound's), pictures from 1.48 s; key frames a second apart,
+    // each after B-frames that show before it.
+    EXPECT_EQ(frameShownIn("open_gop.ts", 0), 21);
+    EXPECT_EQ(frameShownIn("open_gop.ts", 999), 981);
+    EXPECT_EQ(frameShownIn("open_gop.ts", 2000), 1981);
+}
+
+TEST(VideoStreamCutterTimelineTest, AnMp4WhoseTimestampsStartLateCountsFromZero) {
+    // 13000 ms long, its pictures from 10 s: before them the first one shows.
+    EXPECT_EQ(frameShownIn("start_10s.mp4", 6500), 10000);
+    EXPECT_EQ(frameShownIn("start_10s.mp4", 11000), 11000);
+}

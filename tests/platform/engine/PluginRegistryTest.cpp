@@ -34,6 +34,10 @@ TEST(PluginRegistryTest, TheEncodersPluginFindsTheEditorsEncoders) {
     EXPECT_EQ(plugin.encoders, expected);
 }
 
+TEST(PluginRegistryTest, TheEffectsPluginFindsTheFiltersOfTitlesAndTheMix) {
+    EXPECT_NO_THROW(PluginRegistry::Load("EffectsFF"));
+}
+
 TEST(PluginRegistryTest, OtherPluginsGiveNoCodecs) {
     const auto plugin = PluginRegistry::Load("EffectsFF");
     EXPECT_EQ(plugin.name, "EffectsFF");

@@ -6,11 +6,14 @@
 #include "platform/engine/PluginError.h"
 #include "platform/engine/Utils.h"
 #include "platform/export/PresetProvider.h"
+#include "platform/foundation/OutputExists.h"
+#include "platform/foundation/WriteError.h"
 #include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <csignal>
@@ -25,6 +28,7 @@
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 using EditorService::Testing::FailedWith;
 using EditorService::Testing::failureOf;
@@ -34,6 +38,8 @@ using Export::Exporter;
 using Export::ExportProgress;
 using Export::ExportResult;
 using Export::ExportSettings;
+using Velmor::OutputExists;
+using Velmor::WriteError;
 using Velmor::AV::MediaError;
 using Velmor::Core::CoreManager;
 
@@ -111,6 +117,22 @@ bool exists(const std::string& path) {
     return std::filesystem::exists(path);
 }
 
+// The names in a folder, sorted.
+std::vector<std::string> namesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+bool holdsATemporary(const std::string& folder) {
+    const auto names = namesIn(folder);
+    return std::any_of(names.begin(), names.end(), [](const std::string& name) {
+        return name.find(".reelsmith-partial-") != std::string::npos;
+    });
+}
+
 Velmor::Core::ModuleOptionTable disabling(const std::vector<std::string>& plugins) {
     Velmor::Core::ModuleOptionTable table;
     Velmor::Core::Utils::SetModuleOption(
@@ -132,10 +154,10 @@ Velmor::Core::ModuleOptionTable disabling(const std::vector<std::string>& plugin
         std::fprintf(stderr, "no exception\n");
         std::_Exit(1);
     } catch (const MediaError& error) {
-        const std::string expected =
-            "Can not write " + exporter.temporaryPath() + ": File too large";
+        const std::string expected = "Can not write " + settings.output + ": File too large";
         std::fprintf(stderr, "%s\n", error.what());
-        const bool left = exists(exporter.temporaryPath()) || exists(settings.output);
+        const bool left =
+            !std::filesystem::is_empty(std::filesystem::path(settings.output).parent_path());
         std::_Exit(error.what() == expected && !left ? 0 : 2);
     }
 }
@@ -167,8 +189,7 @@ protected:
     }
 
     // Nothing at the output path and no temporary beside it.
-    void expectNoFiles(const Exporter& exporter) const {
-        EXPECT_FALSE(exists(exporter.temporaryPath()));
+    void expectNoFiles() const {
         EXPECT_FALSE(exists(output()));
         EXPECT_TRUE(std::filesystem::is_empty(directory.path().toStdString()));
     }
@@ -197,16 +218,16 @@ TEST_F(ExporterTest, A720pExportIsAnMp4OfH264AndAacThatFfprobeReads) {
     EXPECT_EQ(result.frames, 50);
     EXPECT_NEAR(static_cast<double>(result.durationMs), 2000, 40);
     EXPECT_EQ(result.bytes, static_cast<std::int64_t>(std::filesystem::file_size(output())));
-    EXPECT_EQ(result.video.codec, "h264");
-    EXPECT_EQ(result.video.width, 1280);
-    EXPECT_EQ(result.video.height, 720);
-    EXPECT_GT(result.video.bitRate, 0);
+    EXPECT_EQ(result.video->codec, "h264");
+    EXPECT_EQ(result.video->width, 1280);
+    EXPECT_EQ(result.video->height, 720);
+    EXPECT_GT(result.video->bitRate, 0);
     ASSERT_TRUE(result.audio);
     EXPECT_EQ(result.audio->codec, "aac");
     EXPECT_EQ(result.audio->sampleRate, 44100);
     EXPECT_EQ(result.audio->channels, 2);
     EXPECT_GT(result.audio->bitRate, 0);
-    EXPECT_FALSE(exists(exporter.temporaryPath()));
+    EXPECT_EQ(namesIn(directory.path().toStdString()), std::vector<std::string>{"out.mp4"});
 }
 
 TEST_F(ExporterTest, TheIndexIsAtTheFrontOfTheFile) {
@@ -241,8 +262,8 @@ TEST_F(ExporterTest, TheFreeResolutionPresetTakesTheInputsSize) {
     ASSERT_TRUE(video);
     EXPECT_EQ((*video)["width"], 180);
     EXPECT_EQ((*video)["height"], 320);
-    EXPECT_EQ(result.video.width, 180);
-    EXPECT_EQ(result.video.height, 320);
+    EXPECT_EQ(result.video->width, 180);
+    EXPECT_EQ(result.video->height, 320);
 }
 
 TEST_F(ExporterTest, TheHevcCodecOfThePresetIsEncodedByLibx265) {
@@ -253,7 +274,7 @@ TEST_F(ExporterTest, TheHevcCodecOfThePresetIsEncodedByLibx265) {
     const auto* video = stream(probed, "video");
     ASSERT_TRUE(video);
     EXPECT_EQ((*video)["codec_name"], "hevc");
-    EXPECT_EQ(result.video.codec, "hevc");
+    EXPECT_EQ(result.video->codec, "hevc");
 }
 
 TEST_F(ExporterTest, TheBitrateModeAveragesTheGivenRateWithinTenPercentOnATenSecondClip) {
@@ -265,7 +286,7 @@ TEST_F(ExporterTest, TheBitrateModeAveragesTheGivenRateWithinTenPercentOnATenSec
     const auto* video = stream(probed, "video");
     ASSERT_TRUE(video);
     EXPECT_NEAR(number((*video)["bit_rate"]), 400000, 40000);
-    EXPECT_NEAR(static_cast<double>(result.video.bitRate), 400000, 40000);
+    EXPECT_NEAR(static_cast<double>(result.video->bitRate), 400000, 40000);
 }
 
 TEST_F(ExporterTest, TheAutoModeCapsTheQualityLedRateAtThePresetsRate) {
@@ -313,6 +334,25 @@ TEST_F(ExporterTest, FillCoversTheWholePictureWithoutBars) {
     EXPECT_GT(maxLuma(luma, 640, 632, 640), 40);
 }
 
+// libx265 given fewer frames than it reorders over gave, now and then, decoding times that the
+// muxer refused ("pts/dts pair unsupported"); repeated, since it came at random.
+TEST_F(ExporterTest, HevcExportsOfOneAndTwoFramesAlwaysComplete) {
+    Preset chosen = preset("360p");
+    ASSERT_TRUE(chosen.selectVideoCodec("CODEC_ID_HEVC"));
+    for (int attempt = 0; attempt < 6; ++attempt) {
+        for (int frames = 1; frames <= 2; ++frames) {
+            ExportSettings one = settings("h264_aac.mp4", chosen, Types::Range(0, 40 * frames));
+            one.output =
+                output("hevc-" + std::to_string(attempt) + "-" + std::to_string(frames) + ".mp4");
+            EXPECT_NO_THROW(Exporter(one).run({})) << attempt << " " << frames;
+            const nlohmann::json probed = probe(one.output);
+            const auto* video = stream(probed, "video");
+            ASSERT_TRUE(video) << attempt << " " << frames;
+            EXPECT_EQ((*video)["nb_read_packets"], std::to_string(frames));
+        }
+    }
+}
+
 TEST_F(ExporterTest, ARangeStartsAtItsFirstFrameFromZeroAndLastsItsLength) {
     Exporter exporter(settings("h264_aac.mp4", preset("mp4"), Types::Range(500, 1500)));
     const ExportResult result = exporter.run({});
@@ -334,7 +374,7 @@ TEST_F(ExporterTest, ARangeOutsideTheInputFailsNamingBothAndLeavesNoFile) {
     EXPECT_THAT([&] { exporter.run({}); },
                 FailedWith<MediaError>("Range 5000:9000 ms is outside "
                                        + mediaFixture("h264_aac.mp4") + " (2000 ms)"));
-    expectNoFiles(exporter);
+    expectNoFiles();
 }
 
 TEST_F(ExporterTest, AnInputWithoutAudioGivesAnOutputWithoutAudio) {
@@ -344,6 +384,49 @@ TEST_F(ExporterTest, AnInputWithoutAudioGivesAnOutputWithoutAudio) {
     EXPECT_FALSE(stream(probed, "audio"));
     EXPECT_FALSE(result.audio);
     EXPECT_EQ(result.frames, 50);
+}
+
+TEST_F(ExporterTest, SoundAloneGivesAnAacOnlyOutput) {
+    const ExportResult result = Exporter(settings("cover_art.mp3", preset("mp4"))).run({});
+    const nlohmann::json probed = probe(output());
+    EXPECT_FALSE(stream(probed, "video"));
+    const auto* audio = stream(probed, "audio");
+    ASSERT_TRUE(audio);
+    EXPECT_EQ((*audio)["codec_name"], "aac");
+    EXPECT_FALSE(result.video);
+    ASSERT_TRUE(result.audio);
+    EXPECT_EQ(result.audio->codec, "aac");
+}
+
+TEST_F(ExporterTest, ARotatedInputIsWrittenUprightWithNoRotationLeft) {
+    const ExportResult result = Exporter(settings("rotate90.mp4", preset("mp4"))).run({});
+    const nlohmann::json probed = probe(output());
+    const auto* video = stream(probed, "video");
+    ASSERT_TRUE(video);
+    EXPECT_EQ((*video)["width"], 90);
+    EXPECT_EQ((*video)["height"], 160);
+    EXPECT_FALSE(video->contains("side_data_list"));
+    EXPECT_EQ(result.video->width, 90);
+}
+
+TEST_F(ExporterTest, AnAnamorphicInputIsWrittenInSquarePixelsAtItsDisplaySize) {
+    Exporter(settings("sar_64_45.mp4", preset("mp4"))).run({});
+    const nlohmann::json probed = probe(output());
+    const auto* video = stream(probed, "video");
+    ASSERT_TRUE(video);
+    EXPECT_EQ((*video)["width"], 256);
+    EXPECT_EQ((*video)["height"], 144);
+}
+
+TEST_F(ExporterTest, ARangeOfATransportStreamWithOpenGopsKeepsItsFirstFrames) {
+    // Its timestamps start at 1.4 s, its key frames a second apart, after B-frames they lead.
+    Exporter exporter(settings("open_gop.ts", preset("mp4"), Types::Range(500, 1500)));
+    const ExportResult result = exporter.run({});
+    const nlohmann::json probed = probe(output());
+    const auto* video = stream(probed, "video");
+    ASSERT_TRUE(video);
+    EXPECT_EQ((*video)["nb_read_packets"], "25");
+    EXPECT_EQ(result.frames, 25);
 }
 
 TEST_F(ExporterTest, ProgressFollowsEachEncodedFrameUpToTheWhole) {
@@ -367,8 +450,8 @@ TEST_F(ExporterTest, AMissingOutputDirectoryFailsBeforeTheInputIsRead) {
     Exporter exporter(
         ExportSettings{mediaFixture("no-such-input.mp4"), missing, preset("mp4"), {}});
     EXPECT_THAT([&] { exporter.run({}); },
-                FailedWith<MediaError>("Can not write " + missing + ": No such file or directory"));
-    EXPECT_FALSE(exists(exporter.temporaryPath()));
+                FailedWith<WriteError>("Can not write " + missing + ": No such file or directory"));
+    expectNoFiles();
 }
 
 TEST_F(ExporterTest, AnOutputDirectoryThatIsNotWritableFailsWithTheSystemsReason) {
@@ -381,8 +464,7 @@ TEST_F(ExporterTest, AnOutputDirectoryThatIsNotWritableFailsWithTheSystemsReason
     const std::string target = unwritable + "/out.mp4";
     Exporter exporter(ExportSettings{mediaFixture("h264_aac.mp4"), target, preset("mp4"), {}});
     EXPECT_THAT([&] { exporter.run({}); },
-                FailedWith<MediaError>("Can not write " + target + ": Permission denied"));
-    EXPECT_FALSE(exists(exporter.temporaryPath()));
+                FailedWith<WriteError>("Can not write " + target + ": Permission denied"));
     EXPECT_FALSE(exists(target));
 }
 
@@ -391,7 +473,7 @@ TEST_F(ExporterTest, AnUnreadableInputFailsAndLeavesNoFile) {
     EXPECT_THAT([&] { exporter.run({}); },
                 FailedWith<MediaError>("Can not open media file: " + mediaFixture("truncated.mp4")
                                        + ": Invalid data found when processing input"));
-    expectNoFiles(exporter);
+    expectNoFiles();
 }
 
 TEST_F(ExporterTest, AFileSizeLimitMidwayFailsWithTheSystemsReasonAndLeavesNoFile) {
@@ -427,7 +509,7 @@ TEST_F(ExporterTest, CancelFromAnotherThreadEndsTheExportAndLeavesNoFile) {
         FailedWith<ExportCancelled>("Export cancelled: " + output()));
     canceller.join();
     EXPECT_LT(frames, 250);
-    expectNoFiles(exporter);
+    expectNoFiles();
 }
 
 TEST_F(ExporterTest, CancelGivesUpAReadOfAFifoThatNeverDelivers) {
@@ -445,14 +527,13 @@ TEST_F(ExporterTest, CancelGivesUpAReadOfAFifoThatNeverDelivers) {
         ended = true;
     });
     // The temporary appears just before the input is opened.
-    while (!exists(exporter.temporaryPath()) && !ended)
+    while (!holdsATemporary(directory.path().toStdString()) && !ended)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     exporter.cancel();
     running.join();
     ::close(writer);
     EXPECT_THAT(failure, FailedWith<ExportCancelled>("Export cancelled: " + target));
-    EXPECT_FALSE(exists(exporter.temporaryPath()));
-    EXPECT_FALSE(exists(target));
+    EXPECT_EQ(namesIn(directory.path().toStdString()), std::vector<std::string>{"stalled.mp4"});
 }
 
 TEST_F(ExporterTest, ADisabledEncoderPluginFailsWithTheEnginesMessageAndWritesNothing) {
@@ -461,5 +542,38 @@ TEST_F(ExporterTest, ADisabledEncoderPluginFailsWithTheEnginesMessageAndWritesNo
     EXPECT_THAT([&] { exporter.run({}); },
                 FailedWith<Velmor::Core::PluginError>(
                     "Can not encode CODEC_ID_H264: the plug-in EncodersFF is disabled"));
-    expectNoFiles(exporter);
+    expectNoFiles();
+}
+
+TEST_F(ExporterTest, AnOutputThatAppearsWhileTheExportRunsIsKept) {
+    ExportSettings chosen = settings("h264_aac.mp4", preset("mp4"));
+    bool planted = false;
+    EXPECT_THAT(
+        [&] {
+            Exporter(chosen).run([&](const ExportProgress&) {
+                if (std::exchange(planted, true))
+                    return;
+                std::FILE* other = std::fopen(output().c_str(), "wb");
+                std::fputs("another's", other);
+                std::fclose(other);
+            });
+        },
+        FailedWith<OutputExists>("Output file exists: " + output()));
+    EXPECT_EQ(namesIn(directory.path().toStdString()), std::vector<std::string>{"out.mp4"});
+    EXPECT_EQ(std::filesystem::file_size(output()), 9u);
+}
+
+TEST_F(ExporterTest, AnOutputThatAppearsWhileTheExportRunsIsReplacedWhenAskedTo) {
+    ExportSettings chosen = settings("h264_aac.mp4", preset("mp4"));
+    chosen.overwrite = true;
+    bool planted = false;
+    const ExportResult result = Exporter(chosen).run([&](const ExportProgress&) {
+        if (std::exchange(planted, true))
+            return;
+        std::FILE* other = std::fopen(output().c_str(), "wb");
+        std::fputs("another's", other);
+        std::fclose(other);
+    });
+    EXPECT_EQ(result.bytes, static_cast<std::int64_t>(std::filesystem::file_size(output())));
+    EXPECT_EQ(probe(output())["streams"].size(), 2u);
 }

@@ -6,8 +6,11 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace EditorService::Testing;
 using namespace Project;
@@ -289,6 +292,18 @@ TEST(EditReaderTest, MediaDoNotLookLikeProjects) {
     writeFile(folder.filePath("list.json"), "[{}]");
     EXPECT_FALSE(looksLikeProject(folder.filePath("a.mp4")));
     EXPECT_FALSE(looksLikeProject(folder.filePath("list.json")));
+}
+
+// Looking into a pipe would wait for a writer, or take the bytes the media reader needs.
+TEST(EditReaderTest, APipeIsNeverLookedInto) {
+    QTemporaryDir folder;
+    const std::string fifo = folder.filePath("stalled.mp4").toStdString();
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    // A writer that never writes: a read would wait for data rather than end.
+    const int writer = ::open(fifo.c_str(), O_RDWR);
+    ASSERT_GE(writer, 0);
+    EXPECT_FALSE(looksLikeProject(QString::fromStdString(fifo)));
+    ::close(writer);
 }
 
 } // namespace

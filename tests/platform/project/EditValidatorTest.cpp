@@ -182,6 +182,26 @@ TEST_F(EditValidatorTest, AVideoOverlayLongerThanItsVideoFails) {
                                  "from in_ms (1000 ms) is past the end of pip.mp4 (3000 ms)"));
 }
 
+TEST_F(EditValidatorTest, AVideoClipKnowsWhetherItsFileHasSound) {
+    prober.video("silent.mp4", 5000).hasAudio = false;
+    const Edit edit = validated(projectWithClips(
+        R"({"source": "a.mp4"}, {"source": "silent.mp4"}, {"source": "photo.jpg"}, {"color": "#000000"})"));
+    EXPECT_TRUE(edit.video[0].hasAudio);
+    EXPECT_FALSE(edit.video[1].hasAudio);
+    EXPECT_FALSE(edit.video[2].hasAudio);
+    EXPECT_FALSE(edit.video[3].hasAudio);
+}
+
+TEST_F(EditValidatorTest, AnAudioClipPlaysFromInToOutOrTheFilesEnd) {
+    const Edit edit =
+        validated(projectWithTracks(R"({"type": "video", "clips": [{"source": "clip.mp4"}]},
+                                      {"type": "audio", "clips": [
+                                        {"source": "music.mp3", "in_ms": 1000, "out_ms": 4000},
+                                        {"source": "music.mp3", "in_ms": 170000, "loop": true}]})"));
+    EXPECT_EQ(edit.audio[0].clips[0].lengthMs, 3000);
+    EXPECT_EQ(edit.audio[0].clips[1].lengthMs, 10000);
+}
+
 TEST_F(EditValidatorTest, AnAudioClipNeedsSound) {
     EXPECT_THAT(
         [&] {

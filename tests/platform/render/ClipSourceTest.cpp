@@ -130,6 +130,31 @@ TEST_F(ClipSourceTest, ThePictureAtATimeIsTheSameWhereverTheRangeBegins) {
         EXPECT_EQ(luma(some[index]), luma(all[15 + index])) << "picture " << index;
 }
 
+TEST_F(ClipSourceTest, ARangeOfATransportStreamStartsOnItsFirstFrameThroughOpenGops) {
+    // Timestamps from 1.459 s, pictures every 40 ms from 1.48 s, key frames a second apart
+    // after B-frames that show before them; seeking by timestamp lands past the key frame.
+    ClipSettings wholeClip = clip("open_gop.ts");
+    wholeClip.audio = false;
+    ClipSource whole(wholeClip, stop);
+    const std::vector<Frame> all = pullAll(*whole.video());
+    ClipSettings part = clip("open_gop.ts", 930, 1930);
+    part.audio = false;
+    ClipSource source(part, stop);
+    const std::vector<Frame> some = pullAll(*source.video());
+    // The first picture at or after 930 ms is at 941 ms, the 24th.
+    ASSERT_EQ(some.size(), 25u);
+    for (std::size_t index = 0; index < some.size(); ++index)
+        EXPECT_EQ(luma(some[index]), luma(all[23 + index])) << "picture " << index;
+}
+
+TEST_F(ClipSourceTest, ARangeOfAnMp4WhoseTimestampsStartLateCountsFromZero) {
+    // 13000 ms long, its pictures from 10 s.
+    ClipSettings part = clip("start_10s.mp4", 10500, 11500);
+    ClipSource source(part, stop);
+    EXPECT_EQ(source.durationMs(), 1000);
+    EXPECT_EQ(pullAll(*source.video()).size(), 25u);
+}
+
 TEST_F(ClipSourceTest, ARangeOutsideTheInputFailsNamingBoth) {
     EXPECT_THAT([&] { ClipSource(clip("h264_aac.mp4", 5000, 9000), stop); },
                 FailedWith<MediaError>("Range 5000:9000 ms is outside "

@@ -5,6 +5,7 @@
 #include "platform/render/Runner.h"
 #include "platform/render/Writer.h"
 #include "tests/platform/render/Ffprobe.h"
+#include "tests/support/NewFile.h"
 #include "tests/support/FailedWith.h"
 #include "tests/support/MediaFixtures.h"
 
@@ -19,6 +20,7 @@
 using EditorService::Testing::FailedWith;
 using EditorService::Testing::ffprobe;
 using EditorService::Testing::mediaFixture;
+using EditorService::Testing::NewFile;
 using namespace Velmor::Render;
 
 namespace {
@@ -26,11 +28,12 @@ namespace {
 class Pipeline {
 public:
     Pipeline(const std::string& input, const std::string& output)
-        : clip(settings(input), runner.stop())
+        : file(output)
+        , clip(settings(input), runner.stop())
         , decoded(runner.boundary(*clip.video(), 4))
         , resized(decoded, resizing())
         , pictures(runner.boundary(resized, 4))
-        , writer(output, "mp4") {
+        , writer(file.descriptor, output, "mp4") {
         runner.connect(pictures, writer.addVideo(pictures.format(), {"libx264", {}, 0}));
         if (const auto input = clip.inputAudio()) {
             const AudioEncoding aac{"aac", 96000};
@@ -53,6 +56,7 @@ public:
         return resize;
     }
 
+    NewFile file;
     Runner runner;
     ClipSource clip;
     VideoSource& decoded;

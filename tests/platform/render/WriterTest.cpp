@@ -5,13 +5,16 @@
 #include "platform/av/Picture.h"
 #include "platform/render/FrameSink.h"
 #include "tests/platform/render/Ffprobe.h"
+#include "tests/support/NewFile.h"
 #include "tests/support/FailedWith.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <unistd.h>
 
 extern "C" {
 #include <libavutil/channel_layout.h>
@@ -21,6 +24,7 @@ extern "C" {
 
 using EditorService::Testing::FailedWith;
 using EditorService::Testing::ffprobe;
+using EditorService::Testing::NewFile;
 using Velmor::AV::Frame;
 using Velmor::AV::MediaError;
 using Velmor::AV::pixelFormat;
@@ -68,12 +72,13 @@ class WriterTest : public testing::Test {
 protected:
     std::string output() const { return directory.filePath("out.mp4").toStdString(); }
     QTemporaryDir directory;
+    NewFile file{output()};
 };
 
 } // namespace
 
 TEST_F(WriterTest, StreamsWrittenOneAfterTheOtherOnOneThreadMakeAFileInTheOrderTheyWereAdded) {
-    Writer writer(output(), "mp4");
+    Writer writer(file.descriptor, output(), "mp4");
     FrameSink& video = writer.addVideo(pictures, x264);
     FrameSink& audio = writer.addAudio(sound, aac);
     // All the pictures first: their packets wait until the sound's encoder has opened too.
@@ -104,7 +109,7 @@ TEST_F(WriterTest, StreamsWrittenOneAfterTheOtherOnOneThreadMakeAFileInTheOrderT
 }
 
 TEST_F(WriterTest, TheVideoEncoderOpensFromItsFirstPicturesSize) {
-    Writer writer(output(), "mp4");
+    Writer writer(file.descriptor, output(), "mp4");
     writePictures(writer.addVideo(pictures, x264), 5, 96, 64);
     const WriterResult result = writer.finish();
     EXPECT_EQ(result.streams[0].width, 96);
@@ -114,7 +119,7 @@ TEST_F(WriterTest, TheVideoEncoderOpensFromItsFirstPicturesSize) {
 }
 
 TEST_F(WriterTest, SoundThatStartsLaterKeepsItsOffsetAndIsReChunkedForTheEncoder) {
-    Writer writer(output(), "mp4");
+    Writer writer(file.descriptor, output(), "mp4");
     FrameSink& video = writer.addVideo(pictures, x264);
     FrameSink& audio = writer.addAudio(sound, aac);
     writePictures(video, 25);
@@ -132,7 +137,7 @@ TEST_F(WriterTest, SoundThatStartsLaterKeepsItsOffsetAndIsReChunkedForTheEncoder
 }
 
 TEST_F(WriterTest, TheFirstStreamsPacketsAreFollowed) {
-    Writer writer(output(), "mp4");
+    Writer writer(file.descriptor, output(), "mp4");
     FrameSink& video = writer.addVideo(pictures, x264);
     std::vector<std::pair<std::int64_t, std::int64_t>> seen;
     writer.onEncoded(
@@ -145,11 +150,25 @@ TEST_F(WriterTest, TheFirstStreamsPacketsAreFollowed) {
 }
 
 TEST_F(WriterTest, AStreamAddedAfterTheHeaderIsRefused) {
-    Writer writer(output(), "mp4");
+    Writer writer(file.descriptor, output(), "mp4");
     writePictures(writer.addVideo(pictures, x264), 1);
     EXPECT_THAT([&] { writer.addAudio(sound, aac); },
                 FailedWith<std::logic_error>("Can not write " + output()
                                              + ": a stream added after the header"));
+}
+
+// The file is the descriptor, never the name: one open for reading only can't take the output.
+TEST_F(WriterTest, ADescriptorThatCanNotBeWrittenFailsNamingTheOutputWithTheSystemsReason) {
+    const int readOnly = ::open(output().c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(readOnly, 0);
+    EXPECT_THAT(
+        [&] {
+            Writer writer(readOnly, output(), "mp4");
+            writePictures(writer.addVideo(pictures, x264), 5);
+            writer.finish();
+        },
+        FailedWith<MediaError>("Can not write " + output() + ": Bad file descriptor"));
+    ::close(readOnly);
 }
 
 TEST_F(WriterTest, TheAudioFormatIsWhatTheEncoderTakesNearestToWhatIsOffered) {
