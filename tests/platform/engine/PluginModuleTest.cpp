@@ -1,6 +1,7 @@
 #include "platform/engine/PluginModule.h"
 
 #include "platform/engine/PluginError.h"
+#include "platform/engine/Probe.h"
 #include "tests/support/FailedWith.h"
 
 #include <QDir>
@@ -10,6 +11,7 @@
 
 using EditorService::Testing::FailedWith;
 using namespace Velmor::Core;
+using Velmor::Testing::Probe;
 
 TEST(PluginModuleTest, ThePluginsOnTheMediaLibrariesAreModules) {
     for (const auto& name : PluginRegistry::KnownPlugins()) {
@@ -60,4 +62,15 @@ TEST(PluginModuleTest, TheEncodersModuleFillsInTheEncoders) {
     LoadedPlugin plugin{"EncodersFF", {}};
     PluginModule::Load(plugin);
     EXPECT_EQ(plugin.encoders.at("CODEC_ID_PNG"), "png");
+}
+
+// The libraries are static: a module that linked them would call its own engine and controllers.
+// It links none, and the program that opens it lends it its own.
+TEST(PluginModuleTest, AModuleCallsTheProgramsInstancesNotCopiesOfItsOwn) {
+    Probe::clear();
+    Probe::failNext("SharedProbe::entry");
+    LoadedPlugin plugin{"SharedProbe", {}};
+    EXPECT_THAT([&] { PluginModule::Load(plugin, {TEST_MODULE_DIR}); },
+                FailedWith<std::runtime_error>("Injected failure at SharedProbe::entry"));
+    Probe::clear();
 }
