@@ -67,8 +67,9 @@ void registerHostServices(ServiceLoader& loader, const TimeLimitedService::Expir
     add<ShardService>(loader, expiry,
                       QStringLiteral("Execute part --index of --count of the commands from script"),
                       std::move(commands));
-    add<ThumbnailService>(loader, expiry,
-                          QStringLiteral("Write the frame at --at of a video as a PNG picture"));
+    add<ThumbnailService>(
+        loader, expiry,
+        QStringLiteral("Write the frame at --at of a video as a PNG or JPEG picture"));
     add<TickService>(
         loader, expiry,
         QStringLiteral("Emit {\"tick\": i} every --interval milliseconds, --count times"));

@@ -7,6 +7,7 @@
 #include "media/ProjectInputs.h"
 #include "media/QueuedValueTimer.h"
 #include "media/StreamGate.h"
+#include "platform/av/OutputFormats.h"
 #include "platform/av/Upright.h"
 #include "platform/editorlogic/FileController.h"
 #include "platform/editorlogic/TaskController.h"
@@ -338,6 +339,9 @@ ExportSession::ExportSession(ExportRequest request, ExportRunFactory exports,
 ExportSession::~ExportSession() = default;
 
 void ExportSession::begin(Media::FileController& files) {
+    // An output its name says it is not fails before the input is read.
+    Velmor::AV::containerFor(d->output,
+                             d->request.presetContext.makeProvider(nullptr)->preset().container());
     auto session = shared_from_this();
     d->registry->add(session);
     d->gate.onUnsubscribe([session] { session->cancel(); });

@@ -1,5 +1,6 @@
 #include "platform/export/Exporter.h"
 
+#include "platform/av/OutputFormats.h"
 #include "platform/av/Picture.h"
 #include "platform/engine/CoreManager.h"
 #include "platform/foundation/OutputFile.h"
@@ -159,7 +160,8 @@ ExportResult Exporter::Private::wireInput(Render::Runner& runner, Input& input,
                                           const Progress& progress, const EncoderNames& encoders,
                                           OutputFile& file) {
     const Preset& preset = settings.preset;
-    Render::Writer writer(file.descriptor(), settings.output, preset.container());
+    Render::Writer writer(file.descriptor(), settings.output,
+                          AV::containerFor(settings.output, preset.container()));
     // The stages of the pictures, from the made to the encoded; none without video.
     std::optional<Render::UprightVideo> upright;
     std::optional<Render::ResizedVideo> resized;
@@ -222,6 +224,8 @@ ExportResult Exporter::run(const Progress& progress) {
     auto& core = Core::CoreManager::Instance();
     const EncoderNames encoders{core.EncoderFor(preset.videoCodec()),
                                 core.EncoderFor(preset.audioCodec())};
+    // An output its name says it is not fails before anything is read.
+    AV::containerFor(d->settings.output, preset.container());
     if (d->cancelled)
         throw d->cancelledFailure();
     // A bad project fails before anything is written, with the project's words.

@@ -121,9 +121,9 @@ TEST(ThumbnailRequestTest, HelpDescribesTheServiceAndEveryOption) {
     EXPECT_THROW(std::rethrow_exception(failure), EditorService::CLI::HelpException);
     const std::string help = failureText(failure);
     for (const char* expected :
-         {"Write the frame on screen at a time of a video as a PNG picture", "--path <path>",
-          "--output <file.png>", "--at <ms>", "--preset-frame-size", "--preset-resize-fill-mode",
-          "--overwrite", "--skip-existing"})
+         {"Write the frame on screen at a time of a video as a PNG or JPEG picture",
+          "--path <path>", "--output <file.png>", "--at <ms>", "--preset-frame-size",
+          "--preset-resize-fill-mode", "--overwrite", "--skip-existing"})
         EXPECT_NE(help.find(expected), std::string::npos) << expected;
 }
 
