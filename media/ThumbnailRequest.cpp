@@ -36,7 +36,8 @@ void ThumbnailRequest::validateOnLoad() const {
     // A picture its name says it is not fails before anything is decoded.
     Velmor::AV::pictureFormatFor(output.toStdString());
     if (at < 0)
-        throw Error(QStringLiteral("--at must not be negative, is %1").arg(at).toStdString());
+        throw Error(
+            QStringLiteral("--at must not be negative, is %1").arg(at.milliseconds).toStdString());
     if (frameSize && !frameSize->isOriginal() && (frameSize->width < 1 || frameSize->height < 1)) {
         throw Error(QStringLiteral("Frame size must be at least 1:1, is %1:%2")
                         .arg(QString::number(frameSize->width), QString::number(frameSize->height))

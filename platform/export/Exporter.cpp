@@ -3,6 +3,7 @@
 #include "platform/av/OutputFormats.h"
 #include "platform/av/Picture.h"
 #include "platform/engine/CoreManager.h"
+#include "platform/export/EncoderLimits.h"
 #include "platform/foundation/OutputFile.h"
 #include "platform/project/EditReader.h"
 #include "platform/projectrender/ProjectLoader.h"
@@ -63,11 +64,19 @@ Render::ClipSettings clipSettings(const ExportSettings& settings) {
     return clip;
 }
 
+int shownWidth(const Preset& preset, const Render::VideoFormat& input) {
+    return preset.width() > 0 ? preset.width() : input.width;
+}
+
+int shownHeight(const Preset& preset, const Render::VideoFormat& input) {
+    return preset.height() > 0 ? preset.height() : input.height;
+}
+
 // The preset's size, the input's as shown where it has none, even for the encoder's chroma.
 Proc::SettingsResizer resizing(const Preset& preset, const Render::VideoFormat& input) {
     Proc::SettingsResizer resize;
-    resize.width = (preset.width() > 0 ? preset.width() : input.width) & ~1;
-    resize.height = (preset.height() > 0 ? preset.height() : input.height) & ~1;
+    resize.width = shownWidth(preset, input) & ~1;
+    resize.height = shownHeight(preset, input) & ~1;
     resize.mode = preset.resizeFillMode();
     resize.pixelFormat = AV::pixelFormat("yuv420p");
     return resize;
@@ -168,7 +177,10 @@ ExportResult Exporter::Private::wireInput(Render::Runner& runner, Input& input,
     if (Render::VideoSource* video = input.video()) {
         Render::VideoSource& made = runner.boundary(*video, pictureCapacity);
         upright.emplace(made);
-        resized.emplace(*upright, resizing(preset, upright->format()));
+        const Render::VideoFormat shown = upright->format();
+        requireFrameSize(shownWidth(preset, shown), shownHeight(preset, shown), encoders.video,
+                         preset.width() > 0, settings.input);
+        resized.emplace(*upright, resizing(preset, shown));
         Render::VideoSource& pictures = runner.boundary(*resized, pictureCapacity);
         const Render::VideoEncoding encoding{encoders.video, rateControl(preset.videoBitrateMode()),
                                              preset.videoBitrateBps()};
@@ -224,6 +236,7 @@ ExportResult Exporter::run(const Progress& progress) {
     auto& core = Core::CoreManager::Instance();
     const EncoderNames encoders{core.EncoderFor(preset.videoCodec()),
                                 core.EncoderFor(preset.audioCodec())};
+    requireBitrates(preset, encoders.video, encoders.audio);
     // An output its name says it is not fails before anything is read.
     AV::containerFor(d->settings.output, preset.container());
     if (d->cancelled)
