@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -117,6 +118,22 @@ public:
         return self->interrupted && self->interrupted() ? 1 : 0;
     }
 
+    // A pipe that nobody writes to yet reads as empty; like ffmpeg, wait until somebody opens it
+    // for writing, asking the interrupt callback between short polls (a time limit ends the wait).
+    // Linux reports neither data nor a hang-up on a pipe that never had a writer.
+    void waitForWriter(const std::string& failure) {
+        pollfd waiting{fifo.fd, POLLIN, 0};
+        while (true) {
+            const int ready = ::poll(&waiting, 1, 50);
+            if (ready > 0)
+                return;
+            if (ready < 0 && errno != EINTR)
+                throw MediaError(failure + ": " + std::strerror(errno));
+            if (interrupted && interrupted())
+                throw MediaError(failure + ": " + errorText(AVERROR_EXIT));
+        }
+    }
+
     void open() {
         const std::string failure = "Can not open media file: " + path;
         AVFormatContext* opened = avformat_alloc_context();
@@ -134,6 +151,7 @@ public:
                 throw MediaError(failure + ": " + std::strerror(error));
             }
             url = "pipe:" + std::to_string(fifo.fd);
+            waitForWriter(failure);
         }
         // avformat_open_input frees the context itself when it fails.
         check(avformat_open_input(&opened, url.c_str(), nullptr, nullptr), failure);
@@ -181,6 +199,10 @@ Rational Demuxer::frameRate(int index) const {
     if (value.num <= 0 || value.den <= 0)
         return {0, 1};
     return {value.num, value.den};
+}
+
+bool Demuxer::canSeek() const {
+    return d->fifo.fd < 0;
 }
 
 std::int64_t Demuxer::startTime() const {
