@@ -43,6 +43,17 @@ int rotation(const AVStream& stream) {
     return tag ? -std::atoi(tag->value) : 0;
 }
 
+bool mirrored(const AVStream& stream) {
+    const auto* matrix = reinterpret_cast<const std::int32_t*>(
+        av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr));
+    if (!matrix)
+        return false;
+    // In 16.16 fixed point; the determinant's sign is all that counts.
+    const double determinant =
+        static_cast<double>(matrix[0]) * matrix[4] - static_cast<double>(matrix[1]) * matrix[3];
+    return determinant < 0;
+}
+
 StreamInfo describe(AVFormatContext& context, AVStream& stream) {
     const AVCodecParameters& codec = *stream.codecpar;
     StreamInfo info;
@@ -59,6 +70,7 @@ StreamInfo describe(AVFormatContext& context, AVStream& stream) {
         const char* format = av_get_pix_fmt_name(static_cast<AVPixelFormat>(codec.format));
         info.pixelFormat = format ? format : "";
         info.rotation = rotation(stream);
+        info.mirrored = mirrored(stream);
         const AVRational shape = av_guess_sample_aspect_ratio(&context, &stream, nullptr);
         if (shape.num > 0 && shape.den > 0)
             info.sampleAspectRatio = {shape.num, shape.den};

@@ -73,7 +73,7 @@ Result FrameExtractor::extract(const Request& request) {
     const Velmor::AV::StreamInfo& info =
         stream->demuxer().info().streams.at(stream->decoder().streamIndex());
     Velmor::AV::Upright upright({decoded.width(), decoded.height()}, decoded.format(),
-                                info.rotation, info.sampleAspectRatio);
+                                info.rotation, info.sampleAspectRatio, info.mirrored);
     const Velmor::AV::Frame frame = upright.run(decoded);
     const bool original = request.width < 1 || request.height < 1;
     Velmor::Proc::SettingsResizer settings;
