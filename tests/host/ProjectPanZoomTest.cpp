@@ -3,6 +3,7 @@
 #include "tests/support/BrightSpot.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
