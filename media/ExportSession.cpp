@@ -208,13 +208,15 @@ public:
         gate.fail(exportCancelled(output));
     }
 
-    void parsed(const Velmor::AV::MediaInfo& info, std::exception_ptr error) {
+    void parsed(const ParsedInput& input, std::exception_ptr error) {
         if (error) {
             fail(parseFailure(error));
             return;
         }
         try {
-            waitForPlace(settingsFor(request, info));
+            Export::ExportSettings settings = settingsFor(request, input.info);
+            settings.project = input.project;
+            waitForPlace(settings);
         } catch (...) {
             fail(std::current_exception());
         }
@@ -400,8 +402,8 @@ void ExportSession::begin(Media::FileController& files) {
     }
     parseInput(
         files, d->request.path,
-        [session](const Velmor::AV::MediaInfo& info, std::exception_ptr error) {
-            session->d->parsed(info, error);
+        [session](const ParsedInput& input, std::exception_ptr error) {
+            session->d->parsed(input, error);
         },
         [session] { return !session->d->hasEnded(); });
 }

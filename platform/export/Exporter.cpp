@@ -243,10 +243,12 @@ ExportResult Exporter::run(const Progress& progress) {
         throw d->cancelledFailure();
     // A bad project fails before anything is written, with the project's words.
     const QString input = QString::fromStdString(d->settings.input);
-    if (Project::looksLikeProject(input)) {
+    if (d->settings.project)
+        d->project = *d->settings.project;
+    else if (Project::looksLikeProject(input))
         d->project = Render::loadProject(input);
+    if (d->project)
         Render::requireRenderPlugins(*d->project);
-    }
     // Made before anything is decoded: a folder that is missing or can not be written fails here.
     const auto existing =
         d->settings.overwrite ? OutputFile::Existing::Replace : OutputFile::Existing::Keep;
