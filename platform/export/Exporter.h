@@ -23,6 +23,20 @@ struct ExportSettings {
     // Whether a file that stands at the output when the export is complete is replaced; if not,
     // the export fails with Velmor::OutputExists "Output file exists: <output>".
     bool overwrite = false;
+
+    // A part of a longer export, made to be joined with the others by copying.
+    struct Part {
+        // Exact to the picture: microseconds from the start of the input, from the first
+        // picture's time to the next part's; replaces `range`.
+        std::int64_t fromUs = 0;
+        std::int64_t toUs = 0;
+        // Which of the streams the part has.
+        bool video = true;
+        bool audio = true;
+    };
+    // None for a whole export. A part's video is encoded with headers that depend on the
+    // settings alone.
+    std::optional<Part> part;
 };
 
 // How far a running export is.
