@@ -12,9 +12,9 @@ namespace Velmor::AV {
 std::string streamHeader(const Demuxer& source, int index) {
     const AVCodecParameters& parameters = *source.stream(index)->codecpar;
     std::string header = avcodec_get_name(parameters.codec_id);
-    for (const int value : {parameters.width, parameters.height, parameters.format,
-                            parameters.profile, parameters.level, parameters.sample_rate,
-                            parameters.ch_layout.nb_channels}) {
+    for (const int value :
+         {parameters.width, parameters.height, parameters.format, parameters.profile,
+          parameters.level, parameters.sample_rate, parameters.ch_layout.nb_channels}) {
         header += ' ' + std::to_string(value);
     }
     header += '\n';

@@ -55,7 +55,7 @@ std::optional<Render::ClipSettings::Range> microseconds(const Types::Range& rang
 
 // What of the input the export renders: a part's exact span, else the range.
 std::optional<Render::ClipSettings::Range> span(const ExportSettings& settings) {
-    if (settings.part)
+    if (settings.part && settings.part->toUs > settings.part->fromUs)
         return Render::ClipSettings::Range{settings.part->fromUs, settings.part->toUs};
     return microseconds(settings.range);
 }

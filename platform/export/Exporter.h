@@ -27,7 +27,7 @@ struct ExportSettings {
     // A part of a longer export, made to be joined with the others by copying.
     struct Part {
         // Exact to the picture: microseconds from the start of the input, from the first
-        // picture's time to the next part's; replaces `range`.
+        // picture's time to the next part's; replaces `range` unless empty.
         std::int64_t fromUs = 0;
         std::int64_t toUs = 0;
         // Which of the streams the part has.

@@ -87,8 +87,8 @@ private:
             firstTimeBase = timeBase;
         // The output's stream counts in the first file's time base.
         if (timeBase != firstTimeBase)
-            throw AV::MediaError("Can not join " + joined + ": " + part.path +
-                                 " has another time base");
+            throw AV::MediaError("Can not join " + joined + ": " + part.path
+                                 + " has another time base");
         shift = AV::rescale(part.startUs, microseconds, timeBase);
         return true;
     }
@@ -151,12 +151,14 @@ Joiner::~Joiner() = default;
 
 WriterResult Joiner::join(const std::vector<JoinedPart>& parts, const std::string& audio) {
     Cursor video(parts, "video", d->name);
-    const int videoStream = d->muxer.addStream(video.first(), video.stream());
+    const AV::Demuxer& firstPart = video.first();
+    const int videoStream = d->muxer.addStream(firstPart, video.stream());
     std::unique_ptr<Cursor> sound;
     int audioStream = -1;
     if (!audio.empty()) {
         sound = std::make_unique<Cursor>(std::vector<JoinedPart>{{audio, 0}}, "audio", d->name);
-        audioStream = d->muxer.addStream(sound->first(), sound->stream());
+        const AV::Demuxer& sounds = sound->first();
+        audioStream = d->muxer.addStream(sounds, sound->stream());
     }
     d->muxer.writeHeader();
     const AV::StreamInfo videoInfo = video.info();

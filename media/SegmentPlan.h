@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace EditorService {
+
+// How an export's video is cut into parts that machines render apart: runs of consecutive
+// pictures of equal length (one picture apart when they don't divide evenly), each lasting at least
+// minimumUs, so that a short export has fewer parts than asked for.
+class SegmentPlan {
+public:
+    static constexpr std::int64_t minimumUs = 2000000;
+
+    // One part: its pictures, and the span of the input they show in, in microseconds; `toUs`
+    // is the next part's first picture, or the export's end for the last part.
+    struct Part {
+        std::int64_t firstFrame = 0;
+        std::int64_t frames = 0;
+        std::int64_t fromUs = 0;
+        std::int64_t toUs = 0;
+    };
+
+    // `frameTimes`: when each picture of the input shows, earliest first; `range` the export's
+    // span in microseconds (none: the whole input); `count` the parts asked for (at least 1).
+    SegmentPlan(const std::vector<std::int64_t>& frameTimes,
+                const std::optional<std::pair<std::int64_t, std::int64_t>>& range, int count);
+
+    // The parts there are: `count`, or fewer for a short export; at least 1.
+    int count() const;
+    // The export's pictures.
+    std::int64_t frames() const;
+    // Part `index`, 0 up to count() - 1.
+    Part part(int index) const;
+
+private:
+    std::vector<std::int64_t> times;
+    std::int64_t endUs = 0;
+    int parts = 1;
+
+    std::int64_t firstOf(int index) const;
+};
+
+} // namespace EditorService
