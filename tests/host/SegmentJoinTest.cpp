@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <cmath>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -181,10 +182,12 @@ TEST_F(SegmentJoinTest, EachFrameIsTheSingleExportsFrameOfTheSameNumber) {
     for (std::size_t i = 0; i < frames.size(); ++i) {
         const double same = psnr(frames[i], single[i]);
         EXPECT_GE(same, 35) << "frame " << i;
-        if (i > 0)
+        if (i > 0) {
             EXPECT_GT(same, psnr(frames[i], single[i - 1])) << "frame " << i;
-        if (i + 1 < frames.size())
+        }
+        if (i + 1 < frames.size()) {
             EXPECT_GT(same, psnr(frames[i], single[i + 1])) << "frame " << i;
+        }
     }
 }
 
@@ -233,3 +236,102 @@ TEST_F(SegmentJoinTest, SkipExistingRemakesOnlyALostPart) {
     ASSERT_EQ(join.exitCode, 0) << join.errors.toStdString();
     EXPECT_EQ(countedFrames(output), 250);
 }
+
+namespace {
+
+// A copy of the parts, spoilt one way, and what the join says of it.
+struct SpoiltPartsRow {
+    const char* name;
+    std::function<void(const QDir& folder)> spoil;
+    // "%1" stands for the folder.
+    const char* message;
+};
+
+void changeRecord(const QDir& folder, const QString& name, const std::function<void(Json&)>& edit) {
+    QFile file(folder.filePath(name));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    Json record = Json::parse(file.readAll().toStdString());
+    file.close();
+    edit(record);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(QByteArray::fromStdString(record.dump()));
+}
+
+void removeFile(const QDir& folder, const QString& name) {
+    ASSERT_TRUE(QFile::remove(folder.filePath(name)));
+}
+
+const SpoiltPartsRow spoiltPartsRows[] = {
+    {"NoPart",
+     [](const QDir& folder) {
+         for (const QString& name : folder.entryList(QDir::Files))
+             removeFile(folder, name);
+     },
+     "No segments in %1"},
+    {"PartMissing", [](const QDir& folder) { removeFile(folder, "segment-0003.mp4"); },
+     "Segment 3 of 4 is missing in %1"},
+    {"RecordMissing", [](const QDir& folder) { removeFile(folder, "segment-0001.json"); },
+     "Segment 1 of 4 is missing in %1"},
+    {"OtherSettings",
+     [](const QDir& folder) {
+         changeRecord(folder, "segment-0002.json",
+                      [](Json& record) { record["preset"]["videoBitrateBps"] = 1000000; });
+     },
+     "Segment 2 was made with other settings than segment 0"},
+    {"OtherHeader",
+     [](const QDir& folder) {
+         changeRecord(folder, "segment-0001.json", [](Json& record) { record["header"] = "00"; });
+     },
+     "Segment 1 was made with other settings than segment 0"},
+    {"Gap",
+     [](const QDir& folder) {
+         changeRecord(folder, "segment-0003.json",
+                      [](Json& record) { record["first_frame"] = 190; });
+     },
+     "Segment 3 does not follow segment 2 (frame 187 expected, 190 found)"},
+    {"AudioMissing", [](const QDir& folder) { removeFile(folder, "segment-audio.mp4"); },
+     "The audio of %1 is missing"},
+    {"AudioOfOtherSettings",
+     [](const QDir& folder) {
+         changeRecord(folder, "segment-audio.json", [](Json& record) { record["count"] = 5; });
+     },
+     "The audio of %1 was made with other settings than segment 0"},
+    {"InputChanged",
+     [](const QDir& folder) {
+         changeRecord(folder, "segment-0001.json",
+                      [](Json& record) { record["input"]["modified_ms"] = 1; });
+     },
+     "The input changed since segment 0 was made"},
+    {"InputChangedSince",
+     [](const QDir& folder) {
+         for (const QString& name : folder.entryList({QStringLiteral("*.json")})) {
+             changeRecord(folder, name, [](Json& record) { record["input"]["size"] = 1; });
+         }
+     },
+     "The input changed since segment 0 was made"},
+};
+
+class SpoiltPartsTest : public SegmentJoinTest,
+                        public testing::WithParamInterface<SpoiltPartsRow> {};
+
+} // namespace
+
+TEST_P(SpoiltPartsTest, TheJoinFailsNamingThePartAndLeavesNoFile) {
+    QTemporaryDir copy;
+    const QDir folder(copy.filePath(QStringLiteral("parts")));
+    QDir().mkpath(folder.path());
+    for (const QString& name : QDir(parts()).entryList(QDir::Files))
+        QFile::copy(QDir(parts()).filePath(name), folder.filePath(name));
+    GetParam().spoil(folder);
+    const QDir out(copy.filePath(QStringLiteral("out")));
+    QDir().mkpath(out.path());
+
+    const HostRun run = runHost({"join", folder.path(), "--output=" + out.filePath("joined.mp4")});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(errorLinesBesidesTheLog(run.errors),
+              QList<QByteArray>{QString::fromUtf8(GetParam().message).arg(folder.path()).toUtf8()});
+    EXPECT_EQ(out.entryList(QDir::Files | QDir::Hidden | QDir::System), QStringList());
+}
+
+INSTANTIATE_TEST_SUITE_P(Join, SpoiltPartsTest, testing::ValuesIn(spoiltPartsRows),
+                         [](const auto& info) { return std::string(info.param.name); });
