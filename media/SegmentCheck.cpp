@@ -70,8 +70,11 @@ SegmentRecord checkedPart(const SegmentFolder& folder, int index, int count) {
     return *record;
 }
 
-void checkAudio(const SegmentFolder& folder, const SegmentRecord& first) {
-    const auto record = recordOf(folder.audio(), folder.audioRecord());
+// Whether the export has sound.
+bool checkAudio(const SegmentFolder& folder, const SegmentRecord& first) {
+    auto record = SegmentRecord::read(folder.audioRecord());
+    if (record && !record->silent && !QFileInfo::exists(folder.audio()))
+        record.reset();
     if (!record || !record->audio)
         fail(QStringLiteral("The audio of %1 is missing").arg(folder.path()));
     if (!record->agreesWith(first)) {
@@ -79,6 +82,7 @@ void checkAudio(const SegmentFolder& folder, const SegmentRecord& first) {
                  .arg(folder.path()));
     }
     requireSameInput(*record, first);
+    return !record->silent;
 }
 
 } // namespace
@@ -100,9 +104,10 @@ SegmentSet checkSegments(const QString& path) {
         set.records.push_back(record);
         set.videos.push_back(folder.video(index));
     }
-    checkAudio(folder, set.records.front());
+    const bool sound = checkAudio(folder, set.records.front());
     requireInputUnchanged(set.records.front());
-    set.audio = folder.audio();
+    if (sound)
+        set.audio = folder.audio();
     return set;
 }
 

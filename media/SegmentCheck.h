@@ -12,6 +12,7 @@ struct SegmentSet {
     // The video's parts in order, and their records.
     std::vector<QString> videos;
     std::vector<SegmentRecord> records;
+    // Empty for an input without sound.
     QString audio;
 };
 

@@ -18,8 +18,9 @@ SegmentPlan::SegmentPlan(const std::vector<std::int64_t>& frameTimes,
         return;
     // The last picture lasts as long as the one before it.
     const std::int64_t last = times.size() > 1 ? times.back() - times[times.size() - 2] : 1;
-    endUs = range ? to : times.back() + std::max<std::int64_t>(last, 1);
-    const std::int64_t length = endUs - times.front();
+    const std::int64_t length = (range ? to : times.back() + last) - times.front();
+    // Half a picture past the last one: inside the input, and past it in any time base.
+    endUs = range ? to : times.back() + std::max<std::int64_t>(last / 2, 1);
     const std::int64_t fitting = std::max<std::int64_t>(length / minimumUs, 1);
     parts = static_cast<int>(std::min<std::int64_t>(
         {std::max(count, 1), fitting, static_cast<std::int64_t>(times.size())}));

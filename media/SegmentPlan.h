@@ -14,7 +14,8 @@ public:
     static constexpr std::int64_t minimumUs = 2000000;
 
     // One part: its pictures, and the span of the input they show in, in microseconds; `toUs`
-    // is the next part's first picture, or the export's end for the last part.
+    // is the next part's first picture, or for the last part the range's end, else half a
+    // picture past the last one.
     struct Part {
         std::int64_t firstFrame = 0;
         std::int64_t frames = 0;

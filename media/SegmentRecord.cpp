@@ -29,6 +29,7 @@ void writeAll(int descriptor, const std::string& path, const std::string& text) 
 Json SegmentRecord::toJson() const {
     return Json{
         {"index", audio ? Json("audio") : Json(index)},
+        {"silent", silent},
         {"count", count},
         {"first_frame", firstFrame},
         {"frames", frames},
@@ -44,6 +45,7 @@ SegmentRecord SegmentRecord::fromJson(const Json& value) {
     const Json& index = value.at("index");
     record.audio = index.is_string() && index.get<std::string>() == "audio";
     record.index = record.audio ? 0 : index.get<int>();
+    record.silent = value.value("silent", false);
     record.count = value.at("count").get<int>();
     record.firstFrame = value.at("first_frame").get<std::int64_t>();
     record.frames = value.at("frames").get<std::int64_t>();

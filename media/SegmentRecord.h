@@ -14,6 +14,8 @@ namespace EditorService {
 struct SegmentRecord {
     // The video's part, or the whole export's sound.
     bool audio = false;
+    // The sound's part of an input without sound: it has no file.
+    bool silent = false;
     int index = 0;
     int count = 1;
     std::int64_t firstFrame = 0;
@@ -29,8 +31,8 @@ struct SegmentRecord {
     std::int64_t inputSize = 0;
     std::int64_t inputModifiedMs = 0;
 
-    // {"index" ("audio" for the sound), "count", "first_frame", "frames", "start_us", "header",
-    // "preset", "range", "input": {"path", "size", "modified_ms"}}.
+    // {"index" ("audio" for the sound), "silent", "count", "first_frame", "frames", "start_us",
+    // "header", "preset", "range", "input": {"path", "size", "modified_ms"}}.
     nlohmann::json toJson() const;
     // Throws nlohmann::json's exceptions for a record that is not one.
     static SegmentRecord fromJson(const nlohmann::json& value);

@@ -36,6 +36,10 @@ std::string headerHash(const std::string& path, const std::string& type) {
         .toStdString();
 }
 
+bool hasSound(const std::string& path) {
+    return Velmor::AV::Demuxer(path).bestStream("audio") >= 0;
+}
+
 SegmentRecord recordOf(const Export::ExportSettings& settings, int count) {
     SegmentRecord record;
     record.count = count;
@@ -68,7 +72,9 @@ public:
         if (request.isAudio()) {
             record.audio = true;
             record.frames = plan.frames();
-            settings.part = Export::ExportSettings::Part{0, 0, false, true};
+            record.silent = !hasSound(settings.input);
+            if (!record.silent)
+                settings.part = Export::ExportSettings::Part{0, 0, false, true};
             return;
         }
         record.index = request.videoIndex();
@@ -97,6 +103,9 @@ SegmentRun::~SegmentRun() = default;
 
 Export::ExportResult SegmentRun::run(const Export::Exporter::Progress& progress) {
     if (!d->exporter) {
+        // The sound of a silent input is a record alone, which the join needs.
+        if (d->record.silent)
+            d->record.write(d->recordPath);
         *d->outcome = d->record;
         return {};
     }

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
@@ -329,9 +330,47 @@ TEST_P(SpoiltPartsTest, TheJoinFailsNamingThePartAndLeavesNoFile) {
     const HostRun run = runHost({"join", folder.path(), "--output=" + out.filePath("joined.mp4")});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(errorLinesBesidesTheLog(run.errors),
-              QList<QByteArray>{QString::fromUtf8(GetParam().message).arg(folder.path()).toUtf8()});
+              QList<QByteArray>{
+                  QString::fromUtf8(GetParam().message).replace("%1", folder.path()).toUtf8()});
     EXPECT_EQ(out.entryList(QDir::Files | QDir::Hidden | QDir::System), QStringList());
 }
 
 INSTANTIATE_TEST_SUITE_P(Join, SpoiltPartsTest, testing::ValuesIn(spoiltPartsRows),
                          [](const auto& info) { return std::string(info.param.name); });
+
+namespace {
+
+// When each packet of the video shows, in ffprobe's words, earliest first.
+QStringList showTimes(const QString& file) {
+    const ToolRun run = runTool(QStringLiteral("ffprobe"),
+                                {"-v", "error", "-select_streams", "v:0", "-show_entries",
+                                 "packet=pts_time", "-of", "csv=p=0", file});
+    QStringList times = QString::fromUtf8(run.output).split('\n', Qt::SkipEmptyParts);
+    std::sort(times.begin(), times.end(),
+              [](const QString& a, const QString& b) { return a.toDouble() < b.toDouble(); });
+    return times;
+}
+
+} // namespace
+
+TEST(SegmentJoinVariableRateTest, PartsOfAVariableRateInputWithoutSoundKeepTheirTimes) {
+    QTemporaryDir place;
+    const QString vfr = QString::fromStdString(mediaFixture("vfr.mp4"));
+    const QString folder = place.filePath(QStringLiteral("parts"));
+    for (const QString index : {"0", "1", "2", "audio"}) {
+        const HostRun run =
+            runHost({"segment", vfr, "--index=" + index, "--count=3", "--output=" + folder});
+        ASSERT_EQ(run.exitCode, 0) << run.errors.toStdString();
+    }
+    // The sound of an input without sound is a record alone.
+    EXPECT_FALSE(QFileInfo::exists(QDir(folder).filePath(QStringLiteral("segment-audio.mp4"))));
+    const QString joinedFile = place.filePath(QStringLiteral("joined.mp4"));
+    const HostRun join = runHost({"join", folder, "--output=" + joinedFile});
+    ASSERT_EQ(join.exitCode, 0) << join.errors.toStdString();
+    EXPECT_TRUE(lastValue(join).at("export").at("audio").is_null());
+
+    const QStringList times = showTimes(joinedFile);
+    ASSERT_EQ(times.size(), 150);
+    EXPECT_EQ(times, showTimes(vfr));
+    EXPECT_EQ(times.mid(49, 4), (QStringList{"1.975000", "2.000000", "2.055000", "2.080000"}));
+}

