@@ -9,13 +9,18 @@ namespace EditorService {
 
 SegmentPlan::SegmentPlan(const std::vector<std::int64_t>& frameTimes,
                          const std::optional<std::pair<std::int64_t, std::int64_t>>& range,
-                         int count) {
+                         int count, const Unbroken& unbroken) {
     const std::int64_t from = range ? range->first : std::numeric_limits<std::int64_t>::min();
     const std::int64_t to = range ? range->second : std::numeric_limits<std::int64_t>::max();
     std::copy_if(frameTimes.begin(), frameTimes.end(), std::back_inserter(times),
                  [from, to](std::int64_t time) { return time >= from && time < to; });
     if (times.empty())
         return;
+    // Where the export's first picture stands among the input's.
+    const std::int64_t offset =
+        std::lower_bound(frameTimes.begin(), frameTimes.end(), times.front()) - frameTimes.begin();
+    for (const auto& [first, end] : unbroken)
+        kept.emplace_back(first - offset, end - offset);
     // The last picture lasts as long as the one before it.
     const std::int64_t last = times.size() > 1 ? times.back() - times[times.size() - 2] : 1;
     const std::int64_t length = (range ? to : times.back() + last) - times.front();
@@ -35,7 +40,12 @@ std::int64_t SegmentPlan::frames() const {
 }
 
 std::int64_t SegmentPlan::firstOf(int index) const {
-    return frames() * index / parts;
+    const std::int64_t cut = frames() * index / parts;
+    for (const auto& [first, end] : kept) {
+        if (first < cut && cut < end)
+            return cut - first <= end - cut ? first : end;
+    }
+    return cut;
 }
 
 SegmentPlan::Part SegmentPlan::part(int index) const {

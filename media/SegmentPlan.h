@@ -23,10 +23,16 @@ public:
         std::int64_t toUs = 0;
     };
 
+    // Pictures [first, end) of the input that no cut may split.
+    using Unbroken = std::vector<std::pair<std::int64_t, std::int64_t>>;
+
     // `frameTimes`: when each picture of the input shows, earliest first; `range` the export's
-    // span in microseconds (none: the whole input); `count` the parts asked for (at least 1).
+    // span in microseconds (none: the whole input); `count` the parts asked for (at least 1). A
+    // cut that would fall inside a run of `unbroken` moves to the nearer of its ends (the
+    // earlier on a tie).
     SegmentPlan(const std::vector<std::int64_t>& frameTimes,
-                const std::optional<std::pair<std::int64_t, std::int64_t>>& range, int count);
+                const std::optional<std::pair<std::int64_t, std::int64_t>>& range, int count,
+                const Unbroken& unbroken = {});
 
     // The parts there are: `count`, or fewer for a short export; at least 1.
     int count() const;
@@ -37,6 +43,8 @@ public:
 
 private:
     std::vector<std::int64_t> times;
+    // The runs of `unbroken`, counted from the export's first picture.
+    Unbroken kept;
     std::int64_t endUs = 0;
     int parts = 1;
 

@@ -1,9 +1,12 @@
 #include "media/SegmentRun.h"
 
+#include "media/ProjectFrames.h"
 #include "media/SegmentPlan.h"
 #include "media/SegmentRequest.h"
 #include "platform/av/Demuxer.h"
 #include "platform/av/StreamHeader.h"
+#include "platform/project/EditReader.h"
+#include "platform/projectrender/ProjectLoader.h"
 #include "platform/render/VideoFrameTimes.h"
 #include "service/api/Error.h"
 
@@ -36,8 +39,27 @@ std::string headerHash(const std::string& path, const std::string& type) {
         .toStdString();
 }
 
+// A project always has its mix, silent or not.
 bool hasSound(const std::string& path) {
+    if (Project::looksLikeProject(QString::fromStdString(path)))
+        return true;
     return Velmor::AV::Demuxer(path).bestStream("audio") >= 0;
+}
+
+// A project's frames, its transitions and titles' fades kept whole; a media file's pictures.
+SegmentPlan planOf(const Export::ExportSettings& settings, int count) {
+    const QString input = QString::fromStdString(settings.input);
+    if (Project::looksLikeProject(input)) {
+        const ProjectFrames frames(Velmor::Render::loadProject(input));
+        Range range = microseconds(settings.range);
+        if (!range)
+            range = std::make_pair(std::int64_t(0), frames.lengthUs);
+        return SegmentPlan(frames.times, range, count, frames.unbroken);
+    }
+    const std::vector<std::int64_t> times = Velmor::Render::videoFrameTimes(settings.input);
+    if (times.empty())
+        throw Error("Can not export " + settings.input + ": it has no video");
+    return SegmentPlan(times, microseconds(settings.range), count);
 }
 
 SegmentRecord recordOf(const Export::ExportSettings& settings, int count) {
@@ -64,10 +86,7 @@ public:
     std::optional<Export::Exporter> exporter;
 
     void plan(Export::ExportSettings& settings, const SegmentRequest& request) {
-        const std::vector<std::int64_t> times = Velmor::Render::videoFrameTimes(settings.input);
-        if (times.empty())
-            throw Error("Can not export " + settings.input + ": it has no video");
-        const SegmentPlan plan(times, microseconds(settings.range), request.count);
+        const SegmentPlan plan = planOf(settings, request.count);
         record = recordOf(settings, plan.count());
         if (request.isAudio()) {
             record.audio = true;

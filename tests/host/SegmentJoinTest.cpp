@@ -374,3 +374,31 @@ TEST(SegmentJoinVariableRateTest, PartsOfAVariableRateInputWithoutSoundKeepTheir
     EXPECT_EQ(times, showTimes(vfr));
     EXPECT_EQ(times.mid(49, 4), (QStringList{"1.975000", "2.000000", "2.055000", "2.080000"}));
 }
+
+TEST(SegmentJoinProjectTest, ACutInsideATransitionMovesToItsNearerEnd) {
+    QTemporaryDir place;
+    // 5 s: the fade from 2 s to 3 s holds frames 50 to 74, and the even cut, 62, falls inside.
+    const QString project = place.filePath(QStringLiteral("project.json"));
+    EditorService::Testing::writeFile(project, R"({"reelsmith_project": 1,
+ "output": {"width": 320, "height": 180, "frame_rate": "25/1"},
+ "tracks": [{"type": "video", "clips": [
+   {"color": "#203040", "duration_ms": 3000},
+   {"color": "#a04020", "duration_ms": 3000,
+    "transition": {"type": "fade", "duration_ms": 1000}}]}]})");
+    const QString folder = place.filePath(QStringLiteral("parts"));
+    std::vector<Json> parts;
+    for (const QString index : {"0", "1", "audio"}) {
+        const HostRun run =
+            runHost({"segment", project, "--index=" + index, "--count=2", "--output=" + folder});
+        ASSERT_EQ(run.exitCode, 0) << run.errors.toStdString();
+        parts.push_back(lastValue(run).at("segment"));
+    }
+    EXPECT_EQ(parts[0].at("frames"), 50);
+    EXPECT_EQ(parts[1].at("first_frame"), 50);
+    EXPECT_EQ(parts[1].at("frames"), 75);
+    const QString joinedFile = place.filePath(QStringLiteral("joined.mp4"));
+    const HostRun join = runHost({"join", folder, "--output=" + joinedFile});
+    ASSERT_EQ(join.exitCode, 0) << join.errors.toStdString();
+    EXPECT_EQ(countedFrames(joinedFile), 125);
+    EXPECT_NEAR(streamEnds(joinedFile).at("audio"), 5.0, 0.04);
+}

@@ -72,3 +72,22 @@ TEST(SegmentPlanTest, APartPastTheCountIsNone) {
     const SegmentPlan plan(times(250), std::nullopt, 4);
     EXPECT_THROW(plan.part(4), std::out_of_range);
 }
+
+TEST(SegmentPlanTest, ACutInsideAnUnbrokenRunMovesToItsNearerEnd) {
+    // Cuts at 62, 125 and 187 without runs.
+    const SegmentPlan plan(times(250), std::nullopt, 4, {{60, 70}, {120, 126}, {186, 200}});
+    EXPECT_EQ(plan.part(1).firstFrame, 60);
+    EXPECT_EQ(plan.part(2).firstFrame, 126);
+    EXPECT_EQ(plan.part(3).firstFrame, 186);
+    EXPECT_EQ(plan.part(0).frames, 60);
+    EXPECT_EQ(plan.part(0).toUs, plan.part(1).fromUs);
+}
+
+TEST(SegmentPlanTest, ACutOnTheEdgeOfARunStaysAndARangeCountsRunsFromItsFirstPicture) {
+    EXPECT_EQ(SegmentPlan(times(250), std::nullopt, 2, {{125, 150}}).part(1).firstFrame, 125);
+    // The range starts at picture 50; the run 140..160 of the input is 90..110 of the export.
+    const SegmentPlan plan(
+        times(250), std::make_pair(std::int64_t(2000000), std::int64_t(10000000)), 2, {{140, 160}});
+    EXPECT_EQ(plan.part(1).firstFrame, 90);
+    EXPECT_EQ(plan.part(1).fromUs, 140 * 40000);
+}
