@@ -92,8 +92,9 @@ double meanPsnr(const std::vector<QByteArray>& frames, const std::vector<QByteAr
 }
 
 // The parts, their join and a single export of the same input, made once for every test.
+// The checks read what it made through its static members.
 class SegmentJoinTest : public testing::Test {
-protected:
+public:
     static void SetUpTestSuite() {
         place = std::make_unique<QTemporaryDir>();
         for (const QString index : {"0", "1", "2", "3", "audio"}) {
@@ -128,56 +129,60 @@ Json SegmentJoinTest::joinValue;
 
 } // namespace
 
-TEST_F(SegmentJoinTest, EachPartEndsWithItsSegmentValue) {
+namespace {
+
+using Made = SegmentJoinTest;
+
+void eachPartEndsWithItsSegmentValue() {
     const std::pair<std::int64_t, std::int64_t> expected[] = {
         {0, 62}, {62, 63}, {125, 62}, {187, 63}, {0, 250}};
-    ASSERT_EQ(values.size(), 5u);
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const Json& value = values[i].at("segment");
-        EXPECT_EQ(value.at("dir"), parts().toStdString());
+    ASSERT_EQ(Made::values.size(), 5u);
+    for (std::size_t i = 0; i < Made::values.size(); ++i) {
+        const Json& value = Made::values[i].at("segment");
+        EXPECT_EQ(value.at("dir"), Made::parts().toStdString());
         EXPECT_EQ(value.at("count"), 4);
         EXPECT_EQ(value.at("first_frame"), expected[i].first);
         EXPECT_EQ(value.at("frames"), expected[i].second);
         EXPECT_GT(value.at("bytes").get<std::int64_t>(), 0);
         EXPECT_LE(value.at("started_ms"), value.at("finished_ms"));
     }
-    EXPECT_EQ(values[4].at("segment").at("index"), "audio");
-    EXPECT_EQ(values[3].at("segment").at("index"), 3);
+    EXPECT_EQ(Made::values[4].at("segment").at("index"), "audio");
+    EXPECT_EQ(Made::values[3].at("segment").at("index"), 3);
 }
 
-TEST_F(SegmentJoinTest, TheJoinEndsWithExportsDoneValue) {
-    const Json& value = joinValue.at("export");
+void theJoinEndsWithExportsDoneValue() {
+    const Json& value = Made::joinValue.at("export");
     EXPECT_EQ(value.at("done"), true);
-    EXPECT_EQ(value.at("output"), joined().toStdString());
+    EXPECT_EQ(value.at("output"), Made::joined().toStdString());
     EXPECT_EQ(value.at("input"), input.toStdString());
     EXPECT_EQ(value.at("frames"), 250);
-    EXPECT_EQ(value.at("bytes"), QFileInfo(joined()).size());
+    EXPECT_EQ(value.at("bytes"), QFileInfo(Made::joined()).size());
     EXPECT_EQ(value.at("video").at("codec"), "h264");
     EXPECT_EQ(value.at("audio").at("codec"), "aac");
 }
 
-TEST_F(SegmentJoinTest, TheJoinedFileHasTheSingleExportsFramesAndDuration) {
-    EXPECT_EQ(countedFrames(joined()), 250);
-    EXPECT_EQ(countedFrames(joined()), countedFrames(exported()));
-    const auto ends = streamEnds(joined());
-    const auto single = streamEnds(exported());
+void theJoinedFileHasTheSingleExportsFramesAndDuration() {
+    EXPECT_EQ(countedFrames(Made::joined()), 250);
+    EXPECT_EQ(countedFrames(Made::joined()), countedFrames(Made::exported()));
+    const auto ends = streamEnds(Made::joined());
+    const auto single = streamEnds(Made::exported());
     EXPECT_NEAR(ends.at("video"), single.at("video"), 0.001);
     EXPECT_NEAR(ends.at("audio"), single.at("audio"), 0.001);
     // Sound and pictures end within one frame.
     EXPECT_LE(std::abs(ends.at("video") - ends.at("audio")), 0.04);
 }
 
-TEST_F(SegmentJoinTest, TheIndexIsAtTheFront) {
-    QFile file(joined());
+void theIndexIsAtTheFront() {
+    QFile file(Made::joined());
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray head = file.read(64);
     EXPECT_EQ(head.mid(4, 4), "ftyp");
     EXPECT_EQ(head.mid(int(quint8(head[3])) + 4, 4), "moov");
 }
 
-TEST_F(SegmentJoinTest, EachFrameIsTheSingleExportsFrameOfTheSameNumber) {
-    const auto frames = lumaFrames(joined());
-    const auto single = lumaFrames(exported());
+void eachFrameIsTheSingleExportsFrameOfTheSameNumber() {
+    const auto frames = lumaFrames(Made::joined());
+    const auto single = lumaFrames(Made::exported());
     ASSERT_EQ(frames.size(), 250u);
     ASSERT_EQ(frames.size(), single.size());
     for (std::size_t i = 0; i < frames.size(); ++i) {
@@ -192,15 +197,15 @@ TEST_F(SegmentJoinTest, EachFrameIsTheSingleExportsFrameOfTheSameNumber) {
     }
 }
 
-TEST_F(SegmentJoinTest, TheJoinedFileIsAsCloseToTheSourceAsTheSingleExport) {
+void theJoinedFileIsAsCloseToTheSourceAsTheSingleExport() {
     const auto source = lumaFrames(input);
-    const double joinedQuality = meanPsnr(lumaFrames(joined()), source);
-    const double singleQuality = meanPsnr(lumaFrames(exported()), source);
+    const double joinedQuality = meanPsnr(lumaFrames(Made::joined()), source);
+    const double singleQuality = meanPsnr(lumaFrames(Made::exported()), source);
     EXPECT_NEAR(joinedQuality, singleQuality, 0.2);
 }
 
-TEST_F(SegmentJoinTest, TheToneRunsThroughTheSeamsWithoutAGapOrAClick) {
-    const std::vector<int> sound = samples(joined());
+void theToneRunsThroughTheSeamsWithoutAGapOrAClick() {
+    const std::vector<int> sound = samples(Made::joined());
     // 10 s at 44.1 kHz, give or take a frame of the encoder.
     ASSERT_NEAR(double(sound.size()), 441000, 2048);
     // A 440 Hz sine of amplitude A moves at most 2 pi 440 / 44100 A a sample; a click jumps far
@@ -214,9 +219,24 @@ TEST_F(SegmentJoinTest, TheToneRunsThroughTheSeamsWithoutAGapOrAClick) {
         EXPECT_LE(std::abs(sound[i] - sound[i - 1]), 1.5 * largestStep + 64) << "sample " << i;
         still = std::abs(sound[i]) < peak / 8 ? still + 1 : 0;
         EXPECT_LT(still, 44u) << "sample " << i;
-        if (HasFailure())
+        if (testing::Test::HasFailure())
             return;
     }
+}
+
+} // namespace
+
+TEST_F(SegmentJoinTest, PartsAndJoinEndWithTheirValuesAndTheJoinHasTheSingleExportsFrames) {
+    eachPartEndsWithItsSegmentValue();
+    theJoinEndsWithExportsDoneValue();
+    theJoinedFileHasTheSingleExportsFramesAndDuration();
+    theIndexIsAtTheFront();
+}
+
+TEST_F(SegmentJoinTest, NoSeamInThePicturesOrTheSound) {
+    eachFrameIsTheSingleExportsFrameOfTheSameNumber();
+    theJoinedFileIsAsCloseToTheSourceAsTheSingleExport();
+    theToneRunsThroughTheSeamsWithoutAGapOrAClick();
 }
 
 TEST_F(SegmentJoinTest, SkipExistingRemakesOnlyALostPart) {
@@ -237,106 +257,6 @@ TEST_F(SegmentJoinTest, SkipExistingRemakesOnlyALostPart) {
     ASSERT_EQ(join.exitCode, 0) << join.errors.toStdString();
     EXPECT_EQ(countedFrames(output), 250);
 }
-
-namespace {
-
-// A copy of the parts, spoilt one way, and what the join says of it.
-struct SpoiltPartsRow {
-    const char* name;
-    std::function<void(const QDir& folder)> spoil;
-    // "%1" stands for the folder.
-    const char* message;
-};
-
-void changeRecord(const QDir& folder, const QString& name, const std::function<void(Json&)>& edit) {
-    QFile file(folder.filePath(name));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    Json record = Json::parse(file.readAll().toStdString());
-    file.close();
-    edit(record);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(QByteArray::fromStdString(record.dump()));
-}
-
-void removeFile(const QDir& folder, const QString& name) {
-    ASSERT_TRUE(QFile::remove(folder.filePath(name)));
-}
-
-const SpoiltPartsRow spoiltPartsRows[] = {
-    {"NoPart",
-     [](const QDir& folder) {
-         for (const QString& name : folder.entryList(QDir::Files))
-             removeFile(folder, name);
-     },
-     "No segments in %1"},
-    {"PartMissing", [](const QDir& folder) { removeFile(folder, "segment-0003.mp4"); },
-     "Segment 3 of 4 is missing in %1"},
-    {"RecordMissing", [](const QDir& folder) { removeFile(folder, "segment-0001.json"); },
-     "Segment 1 of 4 is missing in %1"},
-    {"OtherSettings",
-     [](const QDir& folder) {
-         changeRecord(folder, "segment-0002.json",
-                      [](Json& record) { record["preset"]["videoBitrateBps"] = 1000000; });
-     },
-     "Segment 2 was made with other settings than segment 0"},
-    {"OtherHeader",
-     [](const QDir& folder) {
-         changeRecord(folder, "segment-0001.json", [](Json& record) { record["header"] = "00"; });
-     },
-     "Segment 1 was made with other settings than segment 0"},
-    {"Gap",
-     [](const QDir& folder) {
-         changeRecord(folder, "segment-0003.json",
-                      [](Json& record) { record["first_frame"] = 190; });
-     },
-     "Segment 3 does not follow segment 2 (frame 187 expected, 190 found)"},
-    {"AudioMissing", [](const QDir& folder) { removeFile(folder, "segment-audio.mp4"); },
-     "The audio of %1 is missing"},
-    {"AudioOfOtherSettings",
-     [](const QDir& folder) {
-         changeRecord(folder, "segment-audio.json", [](Json& record) { record["count"] = 5; });
-     },
-     "The audio of %1 was made with other settings than segment 0"},
-    {"InputChanged",
-     [](const QDir& folder) {
-         changeRecord(folder, "segment-0001.json",
-                      [](Json& record) { record["input"]["modified_ms"] = 1; });
-     },
-     "The input changed since segment 0 was made"},
-    {"InputChangedSince",
-     [](const QDir& folder) {
-         for (const QString& name : folder.entryList({QStringLiteral("*.json")})) {
-             changeRecord(folder, name, [](Json& record) { record["input"]["size"] = 1; });
-         }
-     },
-     "The input changed since segment 0 was made"},
-};
-
-class SpoiltPartsTest : public SegmentJoinTest,
-                        public testing::WithParamInterface<SpoiltPartsRow> {};
-
-} // namespace
-
-TEST_P(SpoiltPartsTest, TheJoinFailsNamingThePartAndLeavesNoFile) {
-    QTemporaryDir copy;
-    const QDir folder(copy.filePath(QStringLiteral("parts")));
-    QDir().mkpath(folder.path());
-    for (const QString& name : QDir(parts()).entryList(QDir::Files))
-        QFile::copy(QDir(parts()).filePath(name), folder.filePath(name));
-    GetParam().spoil(folder);
-    const QDir out(copy.filePath(QStringLiteral("out")));
-    QDir().mkpath(out.path());
-
-    const HostRun run = runHost({"join", folder.path(), "--output=" + out.filePath("joined.mp4")});
-    EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(errorLinesBesidesTheLog(run.errors),
-              QList<QByteArray>{
-                  QString::fromUtf8(GetParam().message).replace("%1", folder.path()).toUtf8()});
-    EXPECT_EQ(out.entryList(QDir::Files | QDir::Hidden | QDir::System), QStringList());
-}
-
-INSTANTIATE_TEST_SUITE_P(Join, SpoiltPartsTest, testing::ValuesIn(spoiltPartsRows),
-                         [](const auto& info) { return std::string(info.param.name); });
 
 namespace {
 
@@ -401,4 +321,28 @@ TEST(SegmentJoinProjectTest, ACutInsideATransitionMovesToItsNearerEnd) {
     ASSERT_EQ(join.exitCode, 0) << join.errors.toStdString();
     EXPECT_EQ(countedFrames(joinedFile), 125);
     EXPECT_NEAR(streamEnds(joinedFile).at("audio"), 5.0, 0.04);
+}
+
+TEST(SegmentJoinHevcTest, HevcPartsJoinIntoOneStreamThatDecodesWhole) {
+    QTemporaryDir place;
+    const QString folder = place.filePath(QStringLiteral("parts"));
+    for (const QString index : {"0", "1", "audio"}) {
+        const HostRun run =
+            runHost({"segment", input, "--index=" + index, "--count=2", "--range=0:4000",
+                     "--preset-video-codec=CODEC_ID_HEVC", "--output=" + folder});
+        ASSERT_EQ(run.exitCode, 0) << run.errors.toStdString();
+    }
+    const QString joinedFile = place.filePath(QStringLiteral("joined.mp4"));
+    const HostRun join = runHost({"join", folder, "--output=" + joinedFile});
+    ASSERT_EQ(join.exitCode, 0) << join.errors.toStdString();
+    const ToolRun probe =
+        runTool(QStringLiteral("ffprobe"),
+                {"-v", "error", "-select_streams", "v:0", "-show_entries",
+                 "stream=codec_name,codec_tag_string", "-of", "csv=p=0", joinedFile});
+    EXPECT_EQ(probe.output.trimmed(), "hevc,hvc1");
+    EXPECT_EQ(countedFrames(joinedFile), 100);
+    const ToolRun decode =
+        runTool(QStringLiteral("ffmpeg"), {"-v", "error", "-i", joinedFile, "-f", "null", "-"});
+    EXPECT_EQ(decode.exitCode, 0);
+    EXPECT_EQ(decode.errors, QByteArray());
 }
