@@ -6,10 +6,10 @@
 #include "platform/av/Muxer.h"
 #include "platform/av/Packet.h"
 #include "platform/av/Rational.h"
+#include "platform/render/WrittenBytes.h"
 
-#include <cerrno>
-#include <cstring>
-#include <sys/stat.h>
+#include <algorithm>
+#include <optional>
 
 namespace Velmor::Render {
 namespace {
@@ -101,7 +101,7 @@ WrittenStream writtenStream(const AV::Muxer& muxer, int stream, const AV::Stream
     result.packets = written.packets;
     result.bytes = written.bytes;
     result.durationMs = written.durationMs;
-    result.bitRate = written.durationMs > 0 ? written.bytes * 8 * 1000 / written.durationMs : 0;
+    result.bitRate = bitRate(written.bytes, written.durationMs);
     result.width = info.width;
     result.height = info.height;
     result.sampleRate = info.sampleRate;
@@ -135,13 +135,6 @@ public:
                 muxer.write(audioStream, audio->take());
         }
     }
-
-    std::int64_t fileSize() const {
-        struct stat status {};
-        if (::fstat(descriptor, &status) != 0)
-            throw AV::MediaError("Can not write " + name + ": " + std::strerror(errno));
-        return status.st_size;
-    }
 };
 
 Joiner::Joiner(int descriptor, const std::string& name, const std::string& container)
@@ -173,7 +166,7 @@ WriterResult Joiner::join(const std::vector<JoinedPart>& parts, const std::strin
         result.streams.push_back(writtenStream(d->muxer, audioStream, *audioInfo));
     for (const WrittenStream& stream : result.streams)
         result.durationMs = std::max(result.durationMs, stream.durationMs);
-    result.bytes = d->fileSize();
+    result.bytes = writtenBytes(d->descriptor, d->name);
     return result;
 }
 
