@@ -55,12 +55,29 @@ std::optional<Render::ClipSettings::Range> microseconds(const Types::Range& rang
                                        std::max(range.start(), range.end()) * 1000};
 }
 
+// What of the input the export renders: a part's exact span, else the range.
+std::optional<Render::ClipSettings::Range> span(const ExportSettings& settings) {
+    if (settings.part && settings.part->toUs > settings.part->fromUs)
+        return Render::ClipSettings::Range{settings.part->fromUs, settings.part->toUs};
+    return microseconds(settings.range);
+}
+
+bool wantsVideo(const ExportSettings& settings) {
+    return !settings.part || settings.part->video;
+}
+
+bool wantsAudio(const ExportSettings& settings) {
+    return !settings.part || settings.part->audio;
+}
+
 Render::ClipSettings clipSettings(const ExportSettings& settings) {
     Render::ClipSettings clip;
     clip.path = settings.input;
     // Sound alone is exported as sound alone.
     clip.requireVideo = false;
-    clip.range = microseconds(settings.range);
+    clip.range = span(settings);
+    // Sound nobody reads would hold up the pictures in the shared demuxer.
+    clip.audio = wantsAudio(settings);
     return clip;
 }
 
@@ -154,7 +171,7 @@ ExportResult Exporter::Private::render(const Progress& progress, const EncoderNa
 ExportResult Exporter::Private::wire(Render::Runner& runner, const Progress& progress,
                                      const EncoderNames& encoders, OutputFile& file) {
     if (project) {
-        Render::ProjectSource composed(*project, microseconds(settings.range), runner.stop());
+        Render::ProjectSource composed(*project, span(settings), runner.stop());
         return wireInput(runner, composed, progress, encoders, file);
     }
     Render::ClipSource clip(clipSettings(settings), runner.stop());
@@ -174,7 +191,13 @@ ExportResult Exporter::Private::wireInput(Render::Runner& runner, Input& input,
     // The stages of the pictures, from the made to the encoded; none without video.
     std::optional<Render::UprightVideo> upright;
     std::optional<Render::ResizedVideo> resized;
-    if (Render::VideoSource* video = input.video()) {
+    Render::VideoSource* video = input.video();
+    // Pictures nobody encodes are let go, so that the demuxer they share does not wait for them.
+    if (video && !wantsVideo(settings)) {
+        video->finish();
+        video = nullptr;
+    }
+    if (video) {
         Render::VideoSource& made = runner.boundary(*video, pictureCapacity);
         upright.emplace(made);
         const Render::VideoFormat shown = upright->format();
@@ -183,10 +206,12 @@ ExportResult Exporter::Private::wireInput(Render::Runner& runner, Input& input,
         resized.emplace(*upright, resizing(preset, shown));
         Render::VideoSource& pictures = runner.boundary(*resized, pictureCapacity);
         const Render::VideoEncoding encoding{encoders.video, rateControl(preset.videoBitrateMode()),
-                                             preset.videoBitrateBps()};
+                                             preset.videoBitrateBps(), settings.part.has_value()};
         runner.connect(pictures, writer.addVideo(pictures.format(), encoding));
     }
-    if (const std::optional<Render::AudioFormat> offered = input.inputAudio()) {
+    const std::optional<Render::AudioFormat> offered =
+        wantsAudio(settings) ? input.inputAudio() : std::nullopt;
+    if (offered) {
         const Render::AudioEncoding audio{encoders.audio, preset.audioBitrateBps()};
         Render::AudioSource& sound = *input.audio(Render::Writer::audioFormat(audio, *offered));
         runner.connect(sound, writer.addAudio(sound.format(), audio));

@@ -30,6 +30,20 @@ struct ExportSettings {
     // The project `input` holds, read and validated already (as the export's parse does, so
     // that neither the project nor its media are read twice); none to have run() read it.
     std::shared_ptr<const Project::Edit> project;
+
+    // A part of a longer export, made to be joined with the others by copying.
+    struct Part {
+        // Exact to the picture: microseconds from the start of the input, from the first
+        // picture's time to the next part's; replaces `range` unless empty.
+        std::int64_t fromUs = 0;
+        std::int64_t toUs = 0;
+        // Which of the streams the part has.
+        bool video = true;
+        bool audio = true;
+    };
+    // None for a whole export. A part's video is encoded with headers that depend on the
+    // settings alone.
+    std::optional<Part> part;
 };
 
 // How far a running export is.
