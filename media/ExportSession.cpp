@@ -238,7 +238,7 @@ public:
         while (!hasEnded() && ::poll(&waiting, 1, 50) == 0) {
         }
         if (!hasEnded())
-            parsed(unknownPicture(), nullptr);
+            parsed(ParsedInput{unknownPicture(), nullptr}, nullptr);
     }
 
     // A parse dropped with the runtime is the export's own cancellation.

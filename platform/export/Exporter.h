@@ -29,7 +29,7 @@ struct ExportSettings {
     bool overwrite = false;
     // The project `input` holds, read and validated already (as the export's parse does, so
     // that neither the project nor its media are read twice); none to have run() read it.
-    std::shared_ptr<const Project::Edit> project;
+    std::shared_ptr<const Project::Edit> project = nullptr;
 
     // A part of a longer export, made to be joined with the others by copying.
     struct Part {
@@ -43,7 +43,7 @@ struct ExportSettings {
     };
     // None for a whole export. A part's video is encoded with headers that depend on the
     // settings alone.
-    std::optional<Part> part;
+    std::optional<Part> part = std::nullopt;
 };
 
 // How far a running export is.
