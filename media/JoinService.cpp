@@ -5,6 +5,7 @@
 #include "media/ExportValues.h"
 #include "media/RuntimeAccess.h"
 #include "media/SegmentCheck.h"
+#include "platform/av/OutputFormats.h"
 #include "platform/editorlogic/TaskController.h"
 #include "platform/foundation/OutputFile.h"
 #include "platform/render/Joiner.h"
@@ -34,6 +35,10 @@ Export::ExportResult joinResult(const Velmor::Render::WriterResult& written) {
 
 Json joined(const JoinRequest& request) {
     const qint64 startedMs = QDateTime::currentMSecsSinceEpoch();
+    // The joined file's container follows its name as an export's does, checked before any part
+    // is read.
+    const std::string output = request.output.toStdString();
+    const std::string container = Velmor::AV::containerFor(output, "mp4");
     const SegmentSet set = checkSegments(request.path);
     std::vector<Velmor::Render::JoinedPart> parts;
     for (std::size_t index = 0; index < set.videos.size(); ++index)
@@ -41,11 +46,11 @@ Json joined(const JoinRequest& request) {
 
     Export::ExportSettings settings;
     settings.input = set.records.front().input;
-    settings.output = request.output.toStdString();
+    settings.output = output;
     const auto existing = request.overwrite ? Velmor::OutputFile::Existing::Replace
                                             : Velmor::OutputFile::Existing::Keep;
     Velmor::OutputFile file(settings.output, existing);
-    Velmor::Render::Joiner joiner(file.descriptor(), settings.output, "mp4");
+    Velmor::Render::Joiner joiner(file.descriptor(), settings.output, container);
     const Velmor::Render::WriterResult written = joiner.join(parts, set.audio.toStdString());
     file.commit();
     return ExportValues::done(settings, joinResult(written), startedMs,

@@ -152,3 +152,19 @@ TEST_P(SpoiltPartsTest, TheJoinFailsNamingThePartAndLeavesNoFile) {
 
 INSTANTIATE_TEST_SUITE_P(Join, SpoiltPartsTest, testing::ValuesIn(spoiltPartsRows),
                          [](const auto& info) { return std::string(info.param.name); });
+
+// The joined file's container follows its name, as an export's does: a name no container of
+// the preset takes is refused before the parts are read (here there are none).
+TEST(JoinOutputTest, AnOutputNoContainerTakesIsRefusedBeforeThePartsAreRead) {
+    QTemporaryDir copy;
+    const QDir folder(copy.filePath(QStringLiteral("parts")));
+    QDir().mkpath(folder.path());
+
+    const HostRun run =
+        runHost({"join", folder.path(), "--output=" + copy.filePath(QStringLiteral("joined.avi"))});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(errorLinesBesidesTheLog(run.errors),
+              QList<QByteArray>{"Can not write avi files: the preset writes mp4"});
+    EXPECT_EQ(QDir(copy.path()).entryList(QDir::Files | QDir::Hidden | QDir::System),
+              QStringList());
+}
