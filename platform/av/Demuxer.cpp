@@ -148,23 +148,20 @@ public:
 
     void open() {
         const std::string failure = "Can not open media file: " + path;
-        AVFormatContext* opened = avformat_alloc_context();
-        if (!opened)
-            throw MediaError(failure + ": " + errorText(AVERROR(ENOMEM)));
-        opened->interrupt_callback = {&Private::interruptCallback, this};
         std::string url = path;
         if (isFifo(path)) {
             // Without O_NONBLOCK both open and read would wait in the kernel, where no
             // interrupt callback reaches; the library retries EAGAIN and asks the callback.
             fifo.fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-            if (fifo.fd < 0) {
-                const int error = errno;
-                avformat_free_context(opened);
-                throw MediaError(failure + ": " + std::strerror(error));
-            }
+            if (fifo.fd < 0)
+                throw MediaError(failure + ": " + std::strerror(errno));
             url = "pipe:" + std::to_string(fifo.fd);
             waitForWriter(failure);
         }
+        AVFormatContext* opened = avformat_alloc_context();
+        if (!opened)
+            throw MediaError(failure + ": " + errorText(AVERROR(ENOMEM)));
+        opened->interrupt_callback = {&Private::interruptCallback, this};
         // avformat_open_input frees the context itself when it fails.
         check(avformat_open_input(&opened, url.c_str(), nullptr, nullptr), failure);
         context.reset(opened);
