@@ -39,18 +39,24 @@ std::string headerHash(const std::string& path, const std::string& type) {
         .toStdString();
 }
 
+// The export's parse has read a project already; one made without it reads the file.
+bool isProject(const Export::ExportSettings& settings) {
+    return settings.project || Project::looksLikeProject(QString::fromStdString(settings.input));
+}
+
 // A project always has its mix, silent or not.
-bool hasSound(const std::string& path) {
-    if (Project::looksLikeProject(QString::fromStdString(path)))
+bool hasSound(const Export::ExportSettings& settings) {
+    if (isProject(settings))
         return true;
-    return Velmor::AV::Demuxer(path).bestStream("audio") >= 0;
+    return Velmor::AV::Demuxer(settings.input).bestStream("audio") >= 0;
 }
 
 // A project's frames, its transitions and titles' fades kept whole; a media file's pictures.
 SegmentPlan planOf(const Export::ExportSettings& settings, int count) {
-    const QString input = QString::fromStdString(settings.input);
-    if (Project::looksLikeProject(input)) {
-        const ProjectFrames frames(Velmor::Render::loadProject(input));
+    if (isProject(settings)) {
+        const ProjectFrames frames(
+            settings.project ? *settings.project
+                             : Velmor::Render::loadProject(QString::fromStdString(settings.input)));
         Range range = microseconds(settings.range);
         if (!range)
             range = std::make_pair(std::int64_t(0), frames.lengthUs);
@@ -91,7 +97,7 @@ public:
         if (request.isAudio()) {
             record.audio = true;
             record.frames = plan.frames();
-            record.silent = !hasSound(settings.input);
+            record.silent = !hasSound(settings);
             if (!record.silent)
                 settings.part = Export::ExportSettings::Part{0, 0, false, true};
             return;

@@ -129,6 +129,8 @@ public:
     std::atomic<bool> cancelled{false};
     // A project input, read and validated before anything is written; none for a media file.
     std::optional<Project::Edit> project;
+    // The muxer's name, told by the output's name before anything is read.
+    std::string container;
 
     // The runner of the export under way, for cancel().
     std::mutex runnerMutex;
@@ -186,8 +188,7 @@ ExportResult Exporter::Private::wireInput(Render::Runner& runner, Input& input,
                                           const Progress& progress, const EncoderNames& encoders,
                                           OutputFile& file) {
     const Preset& preset = settings.preset;
-    Render::Writer writer(file.descriptor(), settings.output,
-                          AV::containerFor(settings.output, preset.container()));
+    Render::Writer writer(file.descriptor(), settings.output, container);
     // The stages of the pictures, from the made to the encoded; none without video.
     std::optional<Render::UprightVideo> upright;
     std::optional<Render::ResizedVideo> resized;
@@ -263,7 +264,7 @@ ExportResult Exporter::run(const Progress& progress) {
                                 core.EncoderFor(preset.audioCodec())};
     requireBitrates(preset, encoders.video, encoders.audio);
     // An output its name says it is not fails before anything is read.
-    AV::containerFor(d->settings.output, preset.container());
+    d->container = AV::containerFor(d->settings.output, preset.container());
     if (d->cancelled)
         throw d->cancelledFailure();
     // A bad project fails before anything is written, with the project's words.
