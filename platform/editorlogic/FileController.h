@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/av/MediaInfo.h"
+#include "platform/editorlogic/OnceTask.h"
 
 #include <QObject>
 #include <QString>
@@ -79,24 +80,7 @@ void FileController::submitOnce(std::function<Result()> work,
                                 std::function<void(const Result&, std::exception_ptr)> done,
                                 Wanted wanted, std::function<std::exception_ptr()> cancelled) {
     auto cancel = [done, cancelled] { done({}, cancelled()); };
-    submit(
-        [work = std::move(work), done, wanted = std::move(wanted), cancel] {
-            if (wanted && !wanted()) {
-                cancel();
-                return;
-            }
-            Result result;
-            std::exception_ptr failure;
-            try {
-                result = work();
-            } catch (...) {
-                failure = std::current_exception();
-            }
-            // Handed over whole, outside the handler, so that whoever receives it holds the
-            // failure last, not this thread.
-            done(result, std::move(failure));
-        },
-        cancel);
+    submit(onceTask<Result>(std::move(work), done, std::move(wanted), cancel), cancel);
 }
 
 } // namespace Media
