@@ -10,7 +10,9 @@
 #include "host/services/ShardService.h"
 #include "host/services/TickService.h"
 #include "media/ExportService.h"
+#include "media/JoinService.h"
 #include "media/ProbeService.h"
+#include "media/SegmentService.h"
 #include "media/ThumbnailService.h"
 #include "service/api/Error.h"
 #include "service/api/ServiceLoader.h"
@@ -55,6 +57,8 @@ void registerHostServices(ServiceLoader& loader, const TimeLimitedService::Expir
                        QStringLiteral("Export a video file with a preset to --output"));
     add<FailService>(loader, expiry,
                      QStringLiteral("Fail with --message after --after milliseconds"));
+    add<JoinService>(loader, expiry,
+                     QStringLiteral("Join the parts that segment made in a folder into --output"));
     add<NoopService>(loader, expiry, QStringLiteral("Emit one value and complete, for measuring"));
     add<PresetService>(loader, expiry,
                        QStringLiteral("Build an export preset from --preset and its overrides"));
@@ -64,11 +68,15 @@ void registerHostServices(ServiceLoader& loader, const TimeLimitedService::Expir
     add<RuntimeService>(loader, expiry,
                         QStringLiteral("Start the editor runtime's contexts named by --require"));
     add<ScriptService>(loader, expiry, QStringLiteral("Execute commands from script"), commands);
+    add<SegmentService>(
+        loader, expiry,
+        QStringLiteral("Render part --index of --count of an export, or its audio, into --output"));
     add<ShardService>(loader, expiry,
                       QStringLiteral("Execute part --index of --count of the commands from script"),
                       std::move(commands));
-    add<ThumbnailService>(loader, expiry,
-                          QStringLiteral("Write the frame at --at of a video as a PNG picture"));
+    add<ThumbnailService>(
+        loader, expiry,
+        QStringLiteral("Write the frame at --at of a video as a PNG or JPEG picture"));
     add<TickService>(
         loader, expiry,
         QStringLiteral("Emit {\"tick\": i} every --interval milliseconds, --count times"));

@@ -7,6 +7,7 @@
 #include "media/ProjectInputs.h"
 #include "media/QueuedValueTimer.h"
 #include "media/StreamGate.h"
+#include "platform/av/OutputFormats.h"
 #include "platform/av/Upright.h"
 #include "platform/editorlogic/FileController.h"
 #include "platform/editorlogic/TaskController.h"
@@ -17,9 +18,16 @@
 #include "service/contexts/GlobalContextProvider.h"
 
 #include <QDateTime>
+#include <QFile>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
 #include <mutex>
 #include <optional>
+#include <poll.h>
 #include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace EditorService {
 namespace {
@@ -68,6 +76,21 @@ Export::ExportSettings settingsFor(const ExportRequest& request,
     settings.range = request.range;
     settings.overwrite = request.overwrite;
     return settings;
+}
+
+bool isPipe(const QString& path) {
+    struct stat status {};
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISFIFO(status.st_mode);
+}
+
+// What a pipe is taken for before it is read: a picture of a size not known yet, which the
+// export takes from the pictures themselves; without any, it writes the sound alone.
+Velmor::AV::MediaInfo unknownPicture() {
+    Velmor::AV::StreamInfo video;
+    video.type = "video";
+    Velmor::AV::MediaInfo info;
+    info.streams.push_back(video);
+    return info;
 }
 
 // A render-job job that gives its place straight back.
@@ -120,6 +143,13 @@ public:
     std::uint64_t place = 0;
     std::shared_ptr<ExportRun> run;
     QueuedValueTimer ticks;
+    // A pipe input's reader while the session lives; -1 for a file.
+    int pipeReader = -1;
+
+    ~Private() {
+        if (pipeReader >= 0)
+            ::close(pipeReader);
+    }
 
     // The stream's one end, whoever comes first: a failure, or the done value.
     void fail(std::exception_ptr error) {
@@ -178,16 +208,37 @@ public:
         gate.fail(exportCancelled(output));
     }
 
-    void parsed(const Velmor::AV::MediaInfo& info, std::exception_ptr error) {
+    void parsed(const ParsedInput& input, std::exception_ptr error) {
         if (error) {
             fail(parseFailure(error));
             return;
         }
         try {
-            waitForPlace(settingsFor(request, info));
+            Export::ExportSettings settings = settingsFor(request, input.info);
+            settings.project = input.project;
+            waitForPlace(settings);
         } catch (...) {
             fail(std::current_exception());
         }
+    }
+
+    // Silent until the pipe has something to read (or its writer left), as a parse of it would
+    // be, so that a time limit on silence ends an export of a pipe nobody feeds. The descriptor
+    // stays open for the session's life: a pipe's bytes are dropped when its last reader and
+    // writer have closed it, which must not happen before the export opens it.
+    void awaitPipe() {
+        const QByteArray path = QFile::encodeName(request.path);
+        pipeReader = ::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        if (pipeReader < 0) {
+            fail(std::make_exception_ptr(Error("Can not open media file: " + text(request.path)
+                                               + ": " + std::strerror(errno))));
+            return;
+        }
+        pollfd waiting{pipeReader, POLLIN, 0};
+        while (!hasEnded() && ::poll(&waiting, 1, 50) == 0) {
+        }
+        if (!hasEnded())
+            parsed(ParsedInput{unknownPicture(), nullptr}, nullptr);
     }
 
     // A parse dropped with the runtime is the export's own cancellation.
@@ -338,13 +389,21 @@ ExportSession::ExportSession(ExportRequest request, ExportRunFactory exports,
 ExportSession::~ExportSession() = default;
 
 void ExportSession::begin(Media::FileController& files) {
+    // An output its name says it is not fails before the input is read.
+    Velmor::AV::containerFor(d->output,
+                             d->request.presetContext.makeProvider(nullptr)->preset().container());
     auto session = shared_from_this();
     d->registry->add(session);
     d->gate.onUnsubscribe([session] { session->cancel(); });
+    if (isPipe(d->request.path)) {
+        // A pipe is read once: the export reads it, and learns its streams as it goes.
+        files.submit([session] { session->d->awaitPipe(); }, [session] { session->cancel(); });
+        return;
+    }
     parseInput(
         files, d->request.path,
-        [session](const Velmor::AV::MediaInfo& info, std::exception_ptr error) {
-            session->d->parsed(info, error);
+        [session](const ParsedInput& input, std::exception_ptr error) {
+            session->d->parsed(input, error);
         },
         [session] { return !session->d->hasEnded(); });
 }

@@ -65,7 +65,12 @@ rxcpp::observable<nlohmann::json> probe(const QString& path, rxcpp::observe_on_o
             auto* files = Media::FileController::instance();
             if (!files)
                 throw std::logic_error("The media context has no file controller");
-            parseInput(*files, path, std::move(done), std::move(wanted));
+            parseInput(
+                *files, path,
+                [done](const ParsedInput& input, std::exception_ptr error) {
+                    done(input.info, std::move(error));
+                },
+                std::move(wanted));
         },
         [path](const Velmor::AV::MediaInfo& info) { return describe(path, info); },
         placeOf(path, std::move(timer)));

@@ -7,46 +7,23 @@
 #include <QFileInfo>
 
 namespace EditorService {
-namespace {
 
-// Runs `work` on the file controller's thread, its result or failure handed to done once; done
-// gets `cancelled` when the work is no longer wanted or the controller goes first.
-template <class Result>
-void submitOnce(Media::FileController& files, std::function<Result()> work,
-                std::function<void(const Result&, std::exception_ptr)> done,
-                std::function<bool()> wanted, std::function<std::exception_ptr()> cancelled) {
-    auto cancel = [done, cancelled] { done({}, cancelled()); };
-    files.submit(
-        [work, done, wanted, cancel] {
-            if (wanted && !wanted()) {
-                cancel();
-                return;
-            }
-            Result result;
-            std::exception_ptr failure;
-            try {
-                result = work();
-            } catch (...) {
-                failure = std::current_exception();
-            }
-            done(result, std::move(failure));
-        },
-        cancel);
-}
-
-} // namespace
-
-void parseInput(Media::FileController& files, const QString& path,
-                Media::FileController::Parsed done, Media::FileController::Wanted wanted) {
+void parseInput(Media::FileController& files, const QString& path, InputParsed done,
+                Media::FileController::Wanted wanted) {
     if (!Project::looksLikeProject(path)) {
-        files.parse(path, std::move(done), std::move(wanted));
+        files.parse(
+            path,
+            [done](const Velmor::AV::MediaInfo& info, std::exception_ptr error) {
+                done(ParsedInput{info, nullptr}, std::move(error));
+            },
+            std::move(wanted));
         return;
     }
-    submitOnce<Velmor::AV::MediaInfo>(
-        files,
+    files.submitOnce<ParsedInput>(
         [path] {
-            return Velmor::Render::describeProject(Velmor::Render::loadProject(path),
-                                                   QFileInfo(path).size());
+            auto project = std::make_shared<const Project::Edit>(Velmor::Render::loadProject(path));
+            return ParsedInput{Velmor::Render::describeProject(*project, QFileInfo(path).size()),
+                               project};
         },
         std::move(done), std::move(wanted),
         [path] {
@@ -58,8 +35,8 @@ void parseInput(Media::FileController& files, const QString& path,
 void projectThumbnail(Media::FileController& files, const Thumbnail::Request& request,
                       Thumbnail::Controller::Done done, Thumbnail::Controller::Wanted wanted) {
     const std::string output = request.output.toStdString();
-    submitOnce<Thumbnail::Result>(
-        files, [request] { return Velmor::Render::drawProjectThumbnail(request); }, std::move(done),
+    files.submitOnce<Thumbnail::Result>(
+        [request] { return Velmor::Render::drawProjectThumbnail(request); }, std::move(done),
         std::move(wanted),
         [output] {
             return std::make_exception_ptr(

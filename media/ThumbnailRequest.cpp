@@ -1,5 +1,6 @@
 #include "media/ThumbnailRequest.h"
 
+#include "platform/av/OutputFormats.h"
 #include "service/api/Error.h"
 
 namespace EditorService {
@@ -10,8 +11,8 @@ QCommandLineOption ThumbnailRequest::pathOption() {
 
 QCommandLineOption ThumbnailRequest::outputOption() {
     return QCommandLineOption(QStringLiteral("output"),
-                              QStringLiteral("The PNG file to write. It appears only once "
-                                             "complete."),
+                              QStringLiteral("The picture to write: PNG for .png, JPEG for "
+                                             ".jpg or .jpeg. It appears only once complete."),
                               QStringLiteral("file.png"));
 }
 
@@ -23,16 +24,20 @@ QCommandLineOption ThumbnailRequest::atOption() {
 }
 
 QString ThumbnailRequest::description() const {
-    return QStringLiteral("Write the frame on screen at a time of a video as a PNG picture, "
-                          "fitted to a frame size, and emit {\"thumbnail\": {...}}.");
+    return QStringLiteral(
+        "Write the frame on screen at a time of a video as a PNG or JPEG picture, "
+        "fitted to a frame size, and emit {\"thumbnail\": {...}}.");
 }
 
 void ThumbnailRequest::validateOnLoad() const {
     requireMediaPath(path);
     if (output.isEmpty())
         throw Error("No output file specified, try --help for all available options");
+    // A picture its name says it is not fails before anything is decoded.
+    Velmor::AV::pictureFormatFor(output.toStdString());
     if (at < 0)
-        throw Error(QStringLiteral("--at must not be negative, is %1").arg(at).toStdString());
+        throw Error(
+            QStringLiteral("--at must not be negative, is %1").arg(at.milliseconds).toStdString());
     if (frameSize && !frameSize->isOriginal() && (frameSize->width < 1 || frameSize->height < 1)) {
         throw Error(QStringLiteral("Frame size must be at least 1:1, is %1:%2")
                         .arg(QString::number(frameSize->width), QString::number(frameSize->height))

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "media/ExistingOutput.h"
+#include "media/FrameTime.h"
 #include "media/MediaPath.h"
 #include "service/presets/PresetContext.h"
 #include "service/requests/DefaultRequestImpl.h"
@@ -25,6 +26,7 @@ struct ThumbnailRequest : DefaultRequestImpl<ThumbnailRequest> {
     static QCommandLineOption atOption();
 
     QString description() const override;
+    // Loading --at throws Error "--at must be a whole number of milliseconds, is <text>".
     // Throws Error "No media file specified, try --help for all available options", "No output
     // file specified, try --help for all available options", "--at must not be negative, is
     // <at>", "Frame size must be at least 1:1, is <width>:<height>" and "--overwrite and
@@ -45,7 +47,7 @@ struct ThumbnailRequest : DefaultRequestImpl<ThumbnailRequest> {
 
     QString path;
     QString output;
-    long long at = 0;
+    FrameTime at;
     std::optional<PresetFrameSize> frameSize;
     std::optional<Velmor::Proc::SettingsResizer::CustomModes> resizeFillMode;
     bool overwrite = false;

@@ -34,7 +34,7 @@ nlohmann::json describe(const ThumbnailRequest& request, const Thumbnail::Result
     return {{"thumbnail",
              {{"path", request.path.toStdString()},
               {"output", request.output.toStdString()},
-              {"at_ms", request.at},
+              {"at_ms", request.at.milliseconds},
               {"frame_ms", result.frameMilliseconds},
               {"width", result.width},
               {"height", result.height}}}};

@@ -39,7 +39,9 @@ Measured measureRun(const Program& program) {
     const auto end = std::chrono::steady_clock::now();
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
         throw std::runtime_error(program.arguments.front() + " failed");
-    return {end - begin, usage.ru_maxrss};
+    const auto seconds = [](const timeval& time) { return time.tv_sec + time.tv_usec / 1e6; };
+    return {end - begin, usage.ru_maxrss,
+            Seconds(seconds(usage.ru_utime) + seconds(usage.ru_stime))};
 }
 
 double median(std::vector<double> values) {

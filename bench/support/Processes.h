@@ -18,6 +18,8 @@ struct Measured {
     Seconds time;
     // The peak resident size of the process alone, in KiB (wait4's ru_maxrss).
     long peakKib = 0;
+    // The processor time of the process and its threads, user and system (wait4's rusage).
+    Seconds cpu{0};
 };
 
 // Runs the program with stdout and stderr thrown away; throws unless it exits with 0.

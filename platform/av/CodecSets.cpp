@@ -32,7 +32,8 @@ std::map<std::string, std::string> findEncoders() {
         {"CODEC_ID_H264", "libx264"},
         {"CODEC_ID_HEVC", "libx265"},
         {"CODEC_ID_AAC", "aac"},
-        {"CODEC_ID_PNG", "png"}};
+        {"CODEC_ID_PNG", "png"},
+        {"CODEC_ID_MJPEG", "mjpeg"}};
     std::map<std::string, std::string> found;
     for (const auto& [codec, encoder] : wanted) {
         if (avcodec_find_encoder_by_name(encoder.c_str()))

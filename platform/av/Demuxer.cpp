@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,6 +43,17 @@ int rotation(const AVStream& stream) {
     return tag ? -std::atoi(tag->value) : 0;
 }
 
+bool mirrored(const AVStream& stream) {
+    const auto* matrix = reinterpret_cast<const std::int32_t*>(
+        av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr));
+    if (!matrix)
+        return false;
+    // In 16.16 fixed point; the determinant's sign is all that counts.
+    const double determinant =
+        static_cast<double>(matrix[0]) * matrix[4] - static_cast<double>(matrix[1]) * matrix[3];
+    return determinant < 0;
+}
+
 StreamInfo describe(AVFormatContext& context, AVStream& stream) {
     const AVCodecParameters& codec = *stream.codecpar;
     StreamInfo info;
@@ -58,6 +70,7 @@ StreamInfo describe(AVFormatContext& context, AVStream& stream) {
         const char* format = av_get_pix_fmt_name(static_cast<AVPixelFormat>(codec.format));
         info.pixelFormat = format ? format : "";
         info.rotation = rotation(stream);
+        info.mirrored = mirrored(stream);
         const AVRational shape = av_guess_sample_aspect_ratio(&context, &stream, nullptr);
         if (shape.num > 0 && shape.den > 0)
             info.sampleAspectRatio = {shape.num, shape.den};
@@ -117,24 +130,38 @@ public:
         return self->interrupted && self->interrupted() ? 1 : 0;
     }
 
+    // A pipe that nobody writes to yet reads as empty; like ffmpeg, wait until somebody opens it
+    // for writing, asking the interrupt callback between short polls (a time limit ends the wait).
+    // Linux reports neither data nor a hang-up on a pipe that never had a writer.
+    void waitForWriter(const std::string& failure) {
+        pollfd waiting{fifo.fd, POLLIN, 0};
+        while (true) {
+            const int ready = ::poll(&waiting, 1, 50);
+            if (ready > 0)
+                return;
+            if (ready < 0 && errno != EINTR)
+                throw MediaError(failure + ": " + std::strerror(errno));
+            if (interrupted && interrupted())
+                throw MediaError(failure + ": " + errorText(AVERROR_EXIT));
+        }
+    }
+
     void open() {
         const std::string failure = "Can not open media file: " + path;
-        AVFormatContext* opened = avformat_alloc_context();
-        if (!opened)
-            throw MediaError(failure + ": " + errorText(AVERROR(ENOMEM)));
-        opened->interrupt_callback = {&Private::interruptCallback, this};
         std::string url = path;
         if (isFifo(path)) {
             // Without O_NONBLOCK both open and read would wait in the kernel, where no
             // interrupt callback reaches; the library retries EAGAIN and asks the callback.
             fifo.fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-            if (fifo.fd < 0) {
-                const int error = errno;
-                avformat_free_context(opened);
-                throw MediaError(failure + ": " + std::strerror(error));
-            }
+            if (fifo.fd < 0)
+                throw MediaError(failure + ": " + std::strerror(errno));
             url = "pipe:" + std::to_string(fifo.fd);
+            waitForWriter(failure);
         }
+        AVFormatContext* opened = avformat_alloc_context();
+        if (!opened)
+            throw MediaError(failure + ": " + errorText(AVERROR(ENOMEM)));
+        opened->interrupt_callback = {&Private::interruptCallback, this};
         // avformat_open_input frees the context itself when it fails.
         check(avformat_open_input(&opened, url.c_str(), nullptr, nullptr), failure);
         context.reset(opened);
@@ -181,6 +208,10 @@ Rational Demuxer::frameRate(int index) const {
     if (value.num <= 0 || value.den <= 0)
         return {0, 1};
     return {value.num, value.den};
+}
+
+bool Demuxer::canSeek() const {
+    return d->fifo.fd < 0;
 }
 
 std::int64_t Demuxer::startTime() const {

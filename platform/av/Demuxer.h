@@ -64,6 +64,8 @@ public:
     // Moves to the last key frame of the stream at or before the timestamp, given in the
     // stream's time base. Throws MediaError "Can not seek in media file: <path>: <reason>".
     void seek(int streamIndex, std::int64_t timestamp);
+    // False for a pipe, which is read forward only.
+    bool canSeek() const;
 
 private:
     class Private;

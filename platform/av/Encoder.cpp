@@ -147,8 +147,11 @@ std::unique_ptr<Encoder> Encoder::video(const VideoEncoderSettings& settings) {
     }
     if (!settings.speed.empty())
         p.setOption("preset", settings.speed);
+    // x265 chooses no header from the pictures; x264 does unless told not to.
     if (x265)
         p.setOption("x265-params", "log-level=error");
+    else if (settings.stitchable)
+        p.setOption("x264-params", "stitchable=1");
     check(avcodec_open2(&context, codec, nullptr), p.failure);
     return encoder;
 }

@@ -45,6 +45,9 @@ struct VideoEncoderSettings {
     std::string speed;
     // Set when the muxer wants the codec's headers out of band (MP4 does).
     bool globalHeader = false;
+    // Headers that depend on the settings alone, never on the pictures: streams encoded apart
+    // with the same settings then join by copying.
+    bool stitchable = false;
 };
 
 struct AudioEncoderSettings {

@@ -11,4 +11,11 @@ class Frame;
 // write <name>: <reason>".
 void writePng(const Frame& picture, int descriptor, const std::string& name);
 
+// The same as JPEG (libavcodec's mjpeg at the quality of ffmpeg's -q:v 2, full-range 4:4:4 as
+// ffmpeg makes of RGB).
+void writeJpeg(const Frame& picture, int descriptor, const std::string& name);
+
+// As PNG or JPEG, as the extension of `name` says (pictureFormatFor).
+void writePicture(const Frame& picture, int descriptor, const std::string& name);
+
 } // namespace Velmor::AV

@@ -1,5 +1,6 @@
 #include "platform/av/Muxer.h"
 
+#include "platform/av/Demuxer.h"
 #include "platform/av/DescriptorIo.h"
 #include "platform/av/Encoder.h"
 #include "platform/av/LogBridge.h"
@@ -25,6 +26,13 @@ struct FreeOutput {
 struct FreeDictionary {
     void operator()(AVDictionary* dictionary) const { av_dict_free(&dictionary); }
 };
+
+// MP4's default HEVC tag, hev1, is one Apple's players refuse; hvc1 plays everywhere.
+void tagHevc(const AVFormatContext& context, AVCodecParameters& parameters) {
+    const std::string format = context.oformat->name;
+    if (parameters.codec_id == AV_CODEC_ID_HEVC && (format == "mp4" || format == "mov"))
+        parameters.codec_tag = MKTAG('h', 'v', 'c', '1');
+}
 
 } // namespace
 
@@ -77,15 +85,28 @@ int Muxer::addStream(const Encoder& encoder) {
     if (!stream)
         throw MediaError(d->failure + ": " + errorText(AVERROR(ENOMEM)));
     check(avcodec_parameters_from_context(stream->codecpar, encoder.context()), d->failure);
-    // MP4's default HEVC tag, hev1, is one Apple's players refuse; hvc1 plays everywhere.
-    const std::string format = d->context->oformat->name;
-    if (stream->codecpar->codec_id == AV_CODEC_ID_HEVC && (format == "mp4" || format == "mov"))
-        stream->codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
+    tagHevc(*d->context, *stream->codecpar);
     // A hint only: the muxer may choose another in writeHeader.
     stream->time_base = encoder.context()->time_base;
     if (encoder.context()->codec_type == AVMEDIA_TYPE_VIDEO)
         stream->avg_frame_rate = encoder.context()->framerate;
     d->encoderTimeBases.push_back(encoder.context()->time_base);
+    d->written.emplace_back();
+    return stream->index;
+}
+
+int Muxer::addStream(const Demuxer& source, int index) {
+    const AVStream* from = source.stream(index);
+    AVStream* stream = avformat_new_stream(d->context.get(), nullptr);
+    if (!stream)
+        throw MediaError(d->failure + ": " + errorText(AVERROR(ENOMEM)));
+    check(avcodec_parameters_copy(stream->codecpar, from->codecpar), d->failure);
+    // The source's tag may belong to another container; this one chooses its own.
+    stream->codecpar->codec_tag = 0;
+    tagHevc(*d->context, *stream->codecpar);
+    stream->time_base = from->time_base;
+    stream->avg_frame_rate = from->avg_frame_rate;
+    d->encoderTimeBases.push_back(from->time_base);
     d->written.emplace_back();
     return stream->index;
 }

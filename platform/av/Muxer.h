@@ -8,6 +8,7 @@ struct AVFormatContext;
 
 namespace Velmor::AV {
 
+class Demuxer;
 class Encoder;
 class Packet;
 
@@ -43,6 +44,9 @@ public:
     bool wantsGlobalHeader() const;
     // A stream for the open encoder's packets; its index.
     int addStream(const Encoder& encoder);
+    // A stream for packets copied from stream `index` of `source`, as they are: the same codec
+    // and headers, timestamps in the source stream's time base.
+    int addStream(const Demuxer& source, int index);
     // Writes the header. Throws MediaError "Can not write <name>: <reason>".
     void writeHeader();
     // Writes a packet of the encoder of `stream`, its timestamps in the encoder's time base,

@@ -4,6 +4,7 @@
 
 extern "C" {
 #include <libavcodec/packet.h>
+#include <libavutil/avutil.h>
 }
 
 namespace Velmor::AV {
@@ -24,6 +25,17 @@ int Packet::streamIndex() const {
 
 std::int64_t Packet::timestamp() const {
     return packet->pts;
+}
+
+std::int64_t Packet::decodingTimestamp() const {
+    return packet->dts;
+}
+
+void Packet::shift(std::int64_t ticks) {
+    if (packet->pts != AV_NOPTS_VALUE)
+        packet->pts += ticks;
+    if (packet->dts != AV_NOPTS_VALUE)
+        packet->dts += ticks;
 }
 
 std::int64_t Packet::duration() const {

@@ -18,6 +18,10 @@ public:
     int streamIndex() const;
     // In the time base of whoever made it; AV_NOPTS_VALUE when unknown.
     std::int64_t timestamp() const;
+    // When it is decoded, in the same time base; AV_NOPTS_VALUE when unknown.
+    std::int64_t decodingTimestamp() const;
+    // Moves both times by `ticks` of their time base; an unknown one stays unknown.
+    void shift(std::int64_t ticks);
     std::int64_t duration() const;
     // Bytes of compressed data.
     int size() const;

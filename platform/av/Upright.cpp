@@ -32,7 +32,8 @@ Size stretched(Size stored, Rational sampleAspectRatio) {
     return {std::max(1, static_cast<int>(std::lround(width))), stored.height};
 }
 
-std::vector<FilterStep> filters(Size stored, int rotation, Rational sampleAspectRatio) {
+std::vector<FilterStep> filters(Size stored, int rotation, Rational sampleAspectRatio,
+                                bool mirrored) {
     std::vector<FilterStep> chain;
     if (!isSquare(sampleAspectRatio)) {
         const Size square = stretched(stored, sampleAspectRatio);
@@ -40,6 +41,11 @@ std::vector<FilterStep> filters(Size stored, int rotation, Rational sampleAspect
                          {{"w", std::to_string(square.width)},
                           {"h", std::to_string(square.height)},
                           {"flags", "bicubic"}}});
+    }
+    // A mirroring matrix is a flip and then a turn half a turn from the angle it reads as.
+    if (mirrored) {
+        chain.push_back({"hflip", {}});
+        rotation += 180;
     }
     switch (quarterTurns(rotation)) {
     case 1:
@@ -67,10 +73,11 @@ public:
     std::optional<FilterChain> chain;
 };
 
-Upright::Upright(Size stored, int pixelFormat, int rotation, Rational sampleAspectRatio)
+Upright::Upright(Size stored, int pixelFormat, int rotation, Rational sampleAspectRatio,
+                 bool mirrored)
     : d(std::make_unique<Private>()) {
     d->size = displaySize(stored, rotation, sampleAspectRatio);
-    const std::vector<FilterStep> chain = filters(stored, rotation, sampleAspectRatio);
+    const std::vector<FilterStep> chain = filters(stored, rotation, sampleAspectRatio, mirrored);
     if (!chain.empty())
         d->chain.emplace(stored, pixelFormat, chain, pixelFormat);
 }

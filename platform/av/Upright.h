@@ -14,8 +14,10 @@ namespace Velmor::AV {
 class Upright {
 public:
     // `rotation`: degrees counterclockwise, as StreamInfo::rotation; taken to the nearest
-    // quarter turn. Throws MediaError as FilterChain does.
-    Upright(Size stored, int pixelFormat, int rotation, Rational sampleAspectRatio);
+    // quarter turn. `mirrored`: as StreamInfo::mirrored, flipped left to right first and turned
+    // half a turn more. Throws MediaError as FilterChain does.
+    Upright(Size stored, int pixelFormat, int rotation, Rational sampleAspectRatio,
+            bool mirrored = false);
     Upright(const Upright&) = delete;
     Upright& operator=(const Upright&) = delete;
     ~Upright();

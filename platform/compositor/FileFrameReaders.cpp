@@ -3,6 +3,7 @@
 #include "platform/av/Decoder.h"
 #include "platform/av/Demuxer.h"
 #include "platform/av/MediaError.h"
+#include "platform/compositor/UprightFrames.h"
 #include "platform/editorlogic/VideoStreamCutter.h"
 
 namespace Composition {
@@ -17,10 +18,11 @@ public:
             throw Velmor::AV::MediaError("No video stream in " + file.toStdString());
         decoder = std::make_unique<Velmor::AV::Decoder>(demuxer, stream);
         cutter = std::make_unique<Media::VideoStreamCutter>(demuxer, *decoder);
+        shown = std::make_unique<UprightFrames>(demuxer.info().streams.at(stream));
     }
 
     const Velmor::AV::Frame& frameAt(std::int64_t milliseconds) override {
-        return cutter->frameAt(milliseconds);
+        return shown->upright(cutter->frameAt(milliseconds));
     }
 
 private:
@@ -28,6 +30,7 @@ private:
     std::unique_ptr<Velmor::AV::Decoder> decoder;
     // Last, so that it goes first: it borrows the demuxer and the decoder.
     std::unique_ptr<Media::VideoStreamCutter> cutter;
+    std::unique_ptr<UprightFrames> shown;
 };
 
 } // namespace

@@ -1,5 +1,8 @@
 #include "platform/compositor/StreamFrameReaders.h"
 
+#include "platform/av/Decoder.h"
+#include "platform/av/Demuxer.h"
+#include "platform/compositor/UprightFrames.h"
 #include "platform/editorlogic/DecodedVideoStream.h"
 #include "platform/editorlogic/StreamProvider.h"
 #include "platform/editorlogic/VideoStreamCutter.h"
@@ -10,14 +13,16 @@ namespace {
 class StreamFrameReader : public IFrameReader {
 public:
     explicit StreamFrameReader(std::shared_ptr<Media::DecodedVideoStream> stream)
-        : stream(std::move(stream)) {}
+        : stream(std::move(stream))
+        , shown(this->stream->demuxer().info().streams.at(this->stream->decoder().streamIndex())) {}
 
     const Velmor::AV::Frame& frameAt(std::int64_t milliseconds) override {
-        return stream->cutter().frameAt(milliseconds);
+        return shown.upright(stream->cutter().frameAt(milliseconds));
     }
 
 private:
     std::shared_ptr<Media::DecodedVideoStream> stream;
+    UprightFrames shown;
 };
 
 } // namespace

@@ -44,29 +44,13 @@ void FileController::submit(std::function<void()> work, std::function<void()> dr
 
 void FileController::parse(const QString& path, Parsed done, Wanted wanted) {
     ICreatorFileParser* creator = parserCreator;
-    auto cancel = [path, done] {
-        auto error =
-            std::make_exception_ptr(ProbeCancelled("Probe cancelled: " + path.toStdString()));
-        done({}, std::move(error));
-    };
-    jobs->submit(
-        [creator, path, done, wanted = std::move(wanted), cancel] {
-            if (wanted && !wanted()) {
-                cancel();
-                return;
-            }
-            Velmor::AV::MediaInfo info;
-            std::exception_ptr failure;
-            try {
-                info = creator->createFileParser(path, {})->info();
-            } catch (...) {
-                failure = std::current_exception();
-            }
-            // Handed over whole, outside the handler, so that whoever receives it holds the
-            // failure last, not this thread.
-            done(info, std::move(failure));
-        },
-        cancel);
+    submitOnce<Velmor::AV::MediaInfo>(
+        [creator, path] { return creator->createFileParser(path, {})->info(); }, std::move(done),
+        std::move(wanted),
+        [path] {
+            return std::make_exception_ptr(
+                ProbeCancelled("Probe cancelled: " + path.toStdString()));
+        });
 }
 
 } // namespace Media

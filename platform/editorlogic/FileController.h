@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/av/MediaInfo.h"
+#include "platform/editorlogic/OnceTask.h"
 
 #include <QObject>
 #include <QString>
@@ -50,6 +51,15 @@ public:
     // the parse.
     using Wanted = std::function<bool()>;
 
+    // Runs `work` on the controller's thread and hands its result, or the failure with an empty
+    // result, to done there. done is called exactly once: with cancelled() when the controller
+    // is destroyed before the work ran (then on the destroying thread), or when wanted says no
+    // (then `work` never runs).
+    template <class Result>
+    void submitOnce(std::function<Result()> work,
+                    std::function<void(const Result&, std::exception_ptr)> done, Wanted wanted,
+                    std::function<std::exception_ptr()> cancelled);
+
     // Opens and parses the file on the controller's thread and hands the description, or the
     // failure with an empty description, to done there. done is called exactly once: with
     // ProbeCancelled when the controller is destroyed before the parse ran (then on the
@@ -64,5 +74,13 @@ private:
     ICreatorFileParser* parserCreator;
     std::unique_ptr<Task::Workers> jobs;
 };
+
+template <class Result>
+void FileController::submitOnce(std::function<Result()> work,
+                                std::function<void(const Result&, std::exception_ptr)> done,
+                                Wanted wanted, std::function<std::exception_ptr()> cancelled) {
+    auto cancel = [done, cancelled] { done({}, cancelled()); };
+    submit(onceTask<Result>(std::move(work), done, std::move(wanted), cancel), cancel);
+}
 
 } // namespace Media

@@ -4,6 +4,7 @@
 #include "platform/av/Demuxer.h"
 #include "platform/av/Frame.h"
 #include "platform/av/ImageWriter.h"
+#include "platform/av/OutputFormats.h"
 #include "platform/av/Picture.h"
 #include "platform/av/Upright.h"
 #include "platform/editorlogic/DecodedVideoStream.h"
@@ -58,12 +59,13 @@ void FrameExtractor::process() {
 }
 
 Result FrameExtractor::extract(const Request& request) {
-    Velmor::Core::CoreManager::Instance().EncoderFor("CODEC_ID_PNG");
+    const std::string output = request.output.toStdString();
+    Velmor::Core::CoreManager::Instance().EncoderFor(
+        Velmor::AV::pictureCodec(Velmor::AV::pictureFormatFor(output)));
     auto* streams = Media::StreamProvider::instance();
     if (!streams)
         throw std::logic_error("Can not extract a thumbnail: no stream provider runs");
     // Made before anything is decoded: a folder that is missing or can not be written fails here.
-    const std::string output = request.output.toStdString();
     using Existing = Velmor::OutputFile::Existing;
     Velmor::OutputFile file(output, request.overwrite ? Existing::Replace : Existing::Keep);
     const auto stream = streams->videoStream(request.path);
@@ -71,7 +73,7 @@ Result FrameExtractor::extract(const Request& request) {
     const Velmor::AV::StreamInfo& info =
         stream->demuxer().info().streams.at(stream->decoder().streamIndex());
     Velmor::AV::Upright upright({decoded.width(), decoded.height()}, decoded.format(),
-                                info.rotation, info.sampleAspectRatio);
+                                info.rotation, info.sampleAspectRatio, info.mirrored);
     const Velmor::AV::Frame frame = upright.run(decoded);
     const bool original = request.width < 1 || request.height < 1;
     Velmor::Proc::SettingsResizer settings;
@@ -80,7 +82,7 @@ Result FrameExtractor::extract(const Request& request) {
     settings.mode = request.mode;
     settings.pixelFormat = Velmor::AV::pixelFormat("rgb24");
     const Velmor::AV::Frame picture = Velmor::Proc::Resizer(settings).Resize(frame);
-    Velmor::AV::writePng(picture, file.descriptor(), output);
+    Velmor::AV::writePicture(picture, file.descriptor(), output);
     file.commit();
     return Result{stream->cutter().frameMilliseconds(), settings.width, settings.height};
 }

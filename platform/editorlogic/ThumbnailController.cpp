@@ -1,5 +1,6 @@
 #include "platform/editorlogic/ThumbnailController.h"
 
+#include "platform/editorlogic/OnceTask.h"
 #include "platform/editorlogic/TaskController.h"
 #include "platform/editorlogic/TaskQueue.h"
 #include "platform/editorlogic/ThumbnailExtractor.h"
@@ -53,25 +54,13 @@ void Controller::extract(const Request& request, Done done, Wanted wanted) {
             ThumbnailCancelled("Thumbnail cancelled: " + output.toStdString()));
         done({}, std::move(error));
     };
-    auto task = [weakExtractor, request, done, wanted = std::move(wanted), cancel] {
-        if (wanted && !wanted()) {
-            cancel();
-            return;
-        }
-        Result result;
-        std::exception_ptr failure;
-        try {
-            const auto alive = weakExtractor.lock();
-            if (!alive)
-                throw std::logic_error("Can not extract a thumbnail: the extractor is gone");
-            result = alive->extract(request);
-        } catch (...) {
-            failure = std::current_exception();
-        }
-        // Handed over whole, outside the handler, so that whoever receives it holds the
-        // failure last, not this thread.
-        done(failure ? Result{} : result, std::move(failure));
+    auto work = [weakExtractor, request] {
+        const auto alive = weakExtractor.lock();
+        if (!alive)
+            throw std::logic_error("Can not extract a thumbnail: the extractor is gone");
+        return alive->extract(request);
     };
+    auto task = Media::onceTask<Result>(work, done, std::move(wanted), cancel);
     tasks->push(std::move(task), std::move(cancel));
     // The task runs inside process(), which takes every queued task of every provider.
     std::shared_ptr<Extractor> owner = sharedExtractor;

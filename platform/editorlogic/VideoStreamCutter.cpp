@@ -134,7 +134,13 @@ const Frame& VideoStreamCutter::frameAt(std::int64_t milliseconds) {
                          + d->demuxer.path() + " (" + std::to_string(duration) + " ms)");
     }
     const std::int64_t target = d->toStream(milliseconds);
-    if (d->decodingOnIsCheaper(target))
+    // A pipe is read forward: a time it has passed already is gone.
+    if (!d->demuxer.canSeek() && d->hasCurrent && d->current.timestamp() > target) {
+        throw MediaError("Can not seek in media file: " + d->demuxer.path()
+                         + ": a pipe is read forward only, and is past "
+                         + std::to_string(milliseconds) + " ms");
+    }
+    if (!d->demuxer.canSeek() || d->decodingOnIsCheaper(target))
         d->decodeTo(target);
     else
         d->seekTo(target);

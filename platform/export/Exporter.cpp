@@ -1,7 +1,9 @@
 #include "platform/export/Exporter.h"
 
+#include "platform/av/OutputFormats.h"
 #include "platform/av/Picture.h"
 #include "platform/engine/CoreManager.h"
+#include "platform/export/EncoderLimits.h"
 #include "platform/foundation/OutputFile.h"
 #include "platform/project/EditReader.h"
 #include "platform/projectrender/ProjectLoader.h"
@@ -53,20 +55,45 @@ std::optional<Render::ClipSettings::Range> microseconds(const Types::Range& rang
                                        std::max(range.start(), range.end()) * 1000};
 }
 
+// What of the input the export renders: a part's exact span, else the range.
+std::optional<Render::ClipSettings::Range> span(const ExportSettings& settings) {
+    if (settings.part && settings.part->toUs > settings.part->fromUs)
+        return Render::ClipSettings::Range{settings.part->fromUs, settings.part->toUs};
+    return microseconds(settings.range);
+}
+
+bool wantsVideo(const ExportSettings& settings) {
+    return !settings.part || settings.part->video;
+}
+
+bool wantsAudio(const ExportSettings& settings) {
+    return !settings.part || settings.part->audio;
+}
+
 Render::ClipSettings clipSettings(const ExportSettings& settings) {
     Render::ClipSettings clip;
     clip.path = settings.input;
     // Sound alone is exported as sound alone.
     clip.requireVideo = false;
-    clip.range = microseconds(settings.range);
+    clip.range = span(settings);
+    // Sound nobody reads would hold up the pictures in the shared demuxer.
+    clip.audio = wantsAudio(settings);
     return clip;
+}
+
+int shownWidth(const Preset& preset, const Render::VideoFormat& input) {
+    return preset.width() > 0 ? preset.width() : input.width;
+}
+
+int shownHeight(const Preset& preset, const Render::VideoFormat& input) {
+    return preset.height() > 0 ? preset.height() : input.height;
 }
 
 // The preset's size, the input's as shown where it has none, even for the encoder's chroma.
 Proc::SettingsResizer resizing(const Preset& preset, const Render::VideoFormat& input) {
     Proc::SettingsResizer resize;
-    resize.width = (preset.width() > 0 ? preset.width() : input.width) & ~1;
-    resize.height = (preset.height() > 0 ? preset.height() : input.height) & ~1;
+    resize.width = shownWidth(preset, input) & ~1;
+    resize.height = shownHeight(preset, input) & ~1;
     resize.mode = preset.resizeFillMode();
     resize.pixelFormat = AV::pixelFormat("yuv420p");
     return resize;
@@ -102,6 +129,8 @@ public:
     std::atomic<bool> cancelled{false};
     // A project input, read and validated before anything is written; none for a media file.
     std::optional<Project::Edit> project;
+    // The muxer's name, told by the output's name before anything is read.
+    std::string container;
 
     // The runner of the export under way, for cancel().
     std::mutex runnerMutex;
@@ -144,7 +173,7 @@ ExportResult Exporter::Private::render(const Progress& progress, const EncoderNa
 ExportResult Exporter::Private::wire(Render::Runner& runner, const Progress& progress,
                                      const EncoderNames& encoders, OutputFile& file) {
     if (project) {
-        Render::ProjectSource composed(*project, microseconds(settings.range), runner.stop());
+        Render::ProjectSource composed(*project, span(settings), runner.stop());
         return wireInput(runner, composed, progress, encoders, file);
     }
     Render::ClipSource clip(clipSettings(settings), runner.stop());
@@ -159,20 +188,31 @@ ExportResult Exporter::Private::wireInput(Render::Runner& runner, Input& input,
                                           const Progress& progress, const EncoderNames& encoders,
                                           OutputFile& file) {
     const Preset& preset = settings.preset;
-    Render::Writer writer(file.descriptor(), settings.output, preset.container());
+    Render::Writer writer(file.descriptor(), settings.output, container);
     // The stages of the pictures, from the made to the encoded; none without video.
     std::optional<Render::UprightVideo> upright;
     std::optional<Render::ResizedVideo> resized;
-    if (Render::VideoSource* video = input.video()) {
+    Render::VideoSource* video = input.video();
+    // Pictures nobody encodes are let go, so that the demuxer they share does not wait for them.
+    if (video && !wantsVideo(settings)) {
+        video->finish();
+        video = nullptr;
+    }
+    if (video) {
         Render::VideoSource& made = runner.boundary(*video, pictureCapacity);
         upright.emplace(made);
-        resized.emplace(*upright, resizing(preset, upright->format()));
+        const Render::VideoFormat shown = upright->format();
+        requireFrameSize(shownWidth(preset, shown), shownHeight(preset, shown), encoders.video,
+                         preset.width() > 0, settings.input);
+        resized.emplace(*upright, resizing(preset, shown));
         Render::VideoSource& pictures = runner.boundary(*resized, pictureCapacity);
         const Render::VideoEncoding encoding{encoders.video, rateControl(preset.videoBitrateMode()),
-                                             preset.videoBitrateBps()};
+                                             preset.videoBitrateBps(), settings.part.has_value()};
         runner.connect(pictures, writer.addVideo(pictures.format(), encoding));
     }
-    if (const std::optional<Render::AudioFormat> offered = input.inputAudio()) {
+    const std::optional<Render::AudioFormat> offered =
+        wantsAudio(settings) ? input.inputAudio() : std::nullopt;
+    if (offered) {
         const Render::AudioEncoding audio{encoders.audio, preset.audioBitrateBps()};
         Render::AudioSource& sound = *input.audio(Render::Writer::audioFormat(audio, *offered));
         runner.connect(sound, writer.addAudio(sound.format(), audio));
@@ -222,14 +262,19 @@ ExportResult Exporter::run(const Progress& progress) {
     auto& core = Core::CoreManager::Instance();
     const EncoderNames encoders{core.EncoderFor(preset.videoCodec()),
                                 core.EncoderFor(preset.audioCodec())};
+    requireBitrates(preset, encoders.video, encoders.audio);
+    // An output its name says it is not fails before anything is read.
+    d->container = AV::containerFor(d->settings.output, preset.container());
     if (d->cancelled)
         throw d->cancelledFailure();
     // A bad project fails before anything is written, with the project's words.
     const QString input = QString::fromStdString(d->settings.input);
-    if (Project::looksLikeProject(input)) {
+    if (d->settings.project)
+        d->project = *d->settings.project;
+    else if (Project::looksLikeProject(input))
         d->project = Render::loadProject(input);
+    if (d->project)
         Render::requireRenderPlugins(*d->project);
-    }
     // Made before anything is decoded: a folder that is missing or can not be written fails here.
     const auto existing =
         d->settings.overwrite ? OutputFile::Existing::Replace : OutputFile::Existing::Keep;

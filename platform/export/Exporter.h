@@ -9,6 +9,10 @@
 #include <optional>
 #include <string>
 
+namespace Project {
+struct Edit;
+}
+
 namespace Export {
 
 // What an export is to do: read `input` (a media file, or a project file that it composes and
@@ -23,6 +27,23 @@ struct ExportSettings {
     // Whether a file that stands at the output when the export is complete is replaced; if not,
     // the export fails with Velmor::OutputExists "Output file exists: <output>".
     bool overwrite = false;
+    // The project `input` holds, read and validated already (as the export's parse does, so
+    // that neither the project nor its media are read twice); none to have run() read it.
+    std::shared_ptr<const Project::Edit> project = nullptr;
+
+    // A part of a longer export, made to be joined with the others by copying.
+    struct Part {
+        // Exact to the picture: microseconds from the start of the input, from the first
+        // picture's time to the next part's; replaces `range` unless empty.
+        std::int64_t fromUs = 0;
+        std::int64_t toUs = 0;
+        // Which of the streams the part has.
+        bool video = true;
+        bool audio = true;
+    };
+    // None for a whole export. A part's video is encoded with headers that depend on the
+    // settings alone.
+    std::optional<Part> part = std::nullopt;
 };
 
 // How far a running export is.
@@ -76,11 +97,11 @@ public:
     ~Exporter();
 
     // Runs the export to its end on the calling thread and the stages' threads, calling
-    // `progress` from time to time on one of them. A project is read, validated and checked
-    // against the plug-ins first: it fails before anything is written. Throws the failure that
-    // ended it (among them Project::ProjectError for a bad project, and Velmor::WriteError "Can
-    // not write <output>: <reason>", at once for a folder that is missing or can not be
-    // written), and ExportCancelled after cancel().
+    // `progress` from time to time on one of them. A project is read and validated (unless the
+    // settings hold it so already) and checked against the plug-ins first: it fails before anything
+    // is written. Throws the failure that ended it (among them Project::ProjectError for a bad
+    // project, and Velmor::WriteError "Can not write <output>: <reason>", at once for a folder that
+    // is missing or can not be written), and ExportCancelled after cancel().
     ExportResult run(const Progress& progress);
     // Ends a running export within one frame's work, from any thread; a blocked read of the
     // input gives up too.

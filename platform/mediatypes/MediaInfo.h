@@ -25,6 +25,9 @@ struct StreamInfo {
     // How the picture is turned to be shown, in degrees counterclockwise as the display matrix
     // says (a "rotate" tag, which counts clockwise, read into it); 0 for none.
     int rotation = 0;
+    // Whether the display matrix also mirrors the picture (a negative determinant): shown
+    // flipped left to right and then turned by rotation + 180°, as a player does.
+    bool mirrored = false;
     // The shape of one stored pixel; 1:1 when the file doesn't say.
     Rational sampleAspectRatio{1, 1};
     // A still picture beside the sound (cover art), not a video.

@@ -2,6 +2,7 @@
 
 #include "platform/av/ImageWriter.h"
 #include "platform/av/MediaError.h"
+#include "platform/av/OutputFormats.h"
 #include "platform/av/Picture.h"
 #include "platform/compositor/Compositor.h"
 #include "platform/compositor/FileFrameReaders.h"
@@ -18,9 +19,9 @@ namespace Velmor::Render {
 Thumbnail::Result drawProjectThumbnail(const Thumbnail::Request& request) {
     Project::Edit edit = loadProject(request.path);
     requireRenderPlugins(edit);
-    Core::CoreManager::Instance().EncoderFor("CODEC_ID_PNG");
-    // Made before anything is composed: a folder that is missing or can not be written fails here.
     const std::string output = request.output.toStdString();
+    Core::CoreManager::Instance().EncoderFor(AV::pictureCodec(AV::pictureFormatFor(output)));
+    // Made before anything is composed: a folder that is missing or can not be written fails here.
     OutputFile file(output,
                     request.overwrite ? OutputFile::Existing::Replace : OutputFile::Existing::Keep);
     Composition::Compositor compositor(std::move(edit),
@@ -38,7 +39,7 @@ Thumbnail::Result drawProjectThumbnail(const Thumbnail::Request& request) {
     settings.height = original ? frame.height() : request.height;
     settings.mode = request.mode;
     settings.pixelFormat = AV::pixelFormat("rgb24");
-    AV::writePng(Proc::Resizer(settings).Resize(frame), file.descriptor(), output);
+    AV::writePicture(Proc::Resizer(settings).Resize(frame), file.descriptor(), output);
     file.commit();
     const auto startMs = static_cast<std::int64_t>(std::llround(times.startOf(index)));
     return Thumbnail::Result{startMs, settings.width, settings.height};

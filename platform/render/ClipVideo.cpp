@@ -41,6 +41,7 @@ public:
         format.frameRate = demuxer.frameRate(stream);
         format.timeBase = demuxer.timeBase(stream);
         format.rotation = info.rotation;
+        format.mirrored = info.mirrored;
         format.sampleAspectRatio = info.sampleAspectRatio;
     }
 

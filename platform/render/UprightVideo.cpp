@@ -9,7 +9,8 @@ public:
     explicit Private(VideoSource& source)
         : source(source)
         , upright({source.format().width, source.format().height}, source.format().pixelFormat,
-                  source.format().rotation, source.format().sampleAspectRatio) {}
+                  source.format().rotation, source.format().sampleAspectRatio,
+                  source.format().mirrored) {}
 
     VideoSource& source;
     AV::Upright upright;
@@ -26,6 +27,7 @@ VideoFormat UprightVideo::format() const {
     format.width = d->upright.size().width;
     format.height = d->upright.size().height;
     format.rotation = 0;
+    format.mirrored = false;
     format.sampleAspectRatio = {1, 1};
     return format;
 }

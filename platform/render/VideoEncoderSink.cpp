@@ -31,6 +31,7 @@ public:
         settings.rateControl = encoding.rateControl;
         settings.bitRate = encoding.bitRate;
         settings.globalHeader = stream.wantsGlobalHeader();
+        settings.stitchable = encoding.stitchable;
         stream.open(AV::Encoder::video(settings));
     }
 };

@@ -13,6 +13,8 @@ struct VideoEncoding {
     std::string encoder;
     AV::RateControl rateControl = AV::RateControl::Auto;
     std::int64_t bitRate = 0;
+    // Headers from the settings alone, so that parts encoded apart join by copying.
+    bool stitchable = false;
 };
 
 } // namespace Velmor::Render

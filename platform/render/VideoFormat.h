@@ -17,6 +17,8 @@ struct VideoFormat {
     // How the pictures are to be shown: turned by degrees counterclockwise, and the shape of a
     // pixel (AV::StreamInfo's fields); UprightVideo applies both.
     int rotation = 0;
+    // Mirrored as AV::StreamInfo::mirrored says.
+    bool mirrored = false;
     AV::Rational sampleAspectRatio{1, 1};
 };
 

@@ -6,23 +6,13 @@
 #include "platform/render/EncodedStream.h"
 #include "platform/render/SharedMuxer.h"
 #include "platform/render/VideoEncoderSink.h"
+#include "platform/render/WrittenBytes.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <functional>
-#include <sys/stat.h>
 #include <vector>
 
 namespace Velmor::Render {
-namespace {
-
-std::int64_t bitRate(std::int64_t bytes, std::int64_t durationMs) {
-    return durationMs > 0 ? bytes * 8 * 1000 / durationMs : 0;
-}
-
-} // namespace
-
 class Writer::Private {
 public:
     Private(int descriptor, const std::string& name, const std::string& container)
@@ -81,10 +71,7 @@ WriterResult Writer::finish() {
         result.durationMs = std::max(result.durationMs, written.durationMs);
         result.streams.push_back(written);
     }
-    struct stat status {};
-    if (::fstat(d->descriptor, &status) != 0)
-        throw AV::MediaError("Can not write " + d->name + ": " + std::strerror(errno));
-    result.bytes = status.st_size;
+    result.bytes = writtenBytes(d->descriptor, d->name);
     return result;
 }
 

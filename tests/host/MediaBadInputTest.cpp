@@ -15,7 +15,9 @@ using EditorService::Testing::runHost;
 
 namespace {
 
-// A command line and the one line it must fail with. "{F}" stands for the fixtures' directory,
+// A command line and the one line it must fail with: a file that is no media, a value that is no
+// whole number in range, a preset's value outside what its encoder takes. "{F}" stands for the
+// fixtures' directory,
 // "{T}" for a scratch directory of the test's own.
 struct BadInput {
     const char* name;
@@ -45,8 +47,8 @@ TEST_P(MediaBadInputTest, FailsWithStatusOneTheExactErrorLineAndNoOutput) {
     EXPECT_EQ(errorLinesBesidesTheLog(run.errors),
               QList<QByteArray>{expanded(GetParam().error).toUtf8()})
         << run.errors.toStdString();
-    // Nothing is left where a picture was asked for.
-    EXPECT_FALSE(QFile::exists(directory.filePath("t.png")));
+    // Nothing is left where a picture or a video was asked for.
+    EXPECT_EQ(QDir(directory.path()).entryList(QDir::Files | QDir::Hidden), QStringList());
 }
 
 const QString invalid = QStringLiteral("Invalid data found when processing input");
@@ -125,5 +127,54 @@ INSTANTIATE_TEST_SUITE_P(
                  {"thumbnail", "{F}/h264_aac.mp4", "--output={T}/t.png", "--preset-frame-size=0:0"},
                  "Frame size must be at least 1:1, is 0:0"}),
     [](const testing::TestParamInfo<BadInput>& info) { return info.param.name; });
+
+BadInput at(const char* name, const char* value, const char* shown) {
+    return {
+        name,
+        {"thumbnail", "{F}/h264_aac.mp4", "--output={T}/t.png", QStringLiteral("--at=") + value},
+        QStringLiteral("--at must be a whole number of milliseconds, is ") + shown};
+}
+
+BadInput exported(const char* name, const char* input, QStringList options, const char* error) {
+    return {name,
+            QStringList{"export", QStringLiteral("{F}/") + input, "--output={T}/e.mp4"} + options,
+            error};
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Numbers, MediaBadInputTest,
+    testing::Values(at("AFraction", "1.5", "1.5"),
+                    at("TwentyDigits", "99999999999999999999", "99999999999999999999"),
+                    at("Nothing", "", "\"\""), at("Words", "soon", "soon"),
+                    at("TextAfterTheNumber", "15s", "15s"), at("Hexadecimal", "0x10", "0x10"),
+                    BadInput{"ANegativeTime",
+                             {"thumbnail", "{F}/h264_aac.mp4", "--output={T}/t.png", "--at=-5"},
+                             "--at must not be negative, is -5"}),
+    [](const testing::TestParamInfo<BadInput>& info) { return info.param.name; });
+
+INSTANTIATE_TEST_SUITE_P(
+    EncoderLimits, MediaBadInputTest,
+    testing::Values(
+        exported("AVideoBitrateOfOne", "h264_aac.mp4", {"--preset-video-bitrate=1"},
+                 "Video bitrate must be at least 1000 bps for libx264, is 1"),
+        exported("AnAudioBitrateOfOne", "h264_aac.mp4", {"--preset-audio-bitrate=1"},
+                 "Audio bitrate must be at least 1000 bps for aac, is 1"),
+        exported("AFrameSizeBeyondH264", "h264_aac.mp4", {"--preset-frame-size=16386:16386"},
+                 "Frame size must be from 2:2 to 16384:16384 for libx264, is 16386:16386"),
+        exported("AFrameSizeBelowHevc", "h264_aac.mp4",
+                 {"--preset-video-codec=CODEC_ID_HEVC", "--preset-frame-size=8:8"},
+                 "Frame size must be from 16:16 to 16384:16384 for libx265, is 8:8"),
+        exported("AnInputOfOnePixel", "one_pixel.mp4", {},
+                 "Video size 1:1 of {F}/one_pixel.mp4 is outside what libx264 writes, from 2:2 "
+                 "to 16384:16384; choose a size with --preset-frame-size")),
+    [](const testing::TestParamInfo<BadInput>& info) { return info.param.name; });
+
+TEST(OnePixelInputTest, ExportsWithAFrameSize) {
+    const QTemporaryDir directory;
+    const HostRun run =
+        runHost({"-q", "export", QString::fromStdString(mediaFixture("one_pixel.mp4")),
+                 "--output=" + directory.filePath("e.mp4"), "--preset-frame-size=64:36"});
+    EXPECT_EQ(run.exitCode, 0) << run.errors.toStdString();
+}
 
 } // namespace

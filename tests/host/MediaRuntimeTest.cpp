@@ -92,4 +92,23 @@ TEST_F(MediaRuntimeTest, WithoutACacheEveryThumbnailOpensTheFileAgain) {
     EXPECT_EQ(openingsOfAScriptOfThumbnails({"--cache-ttl=0"}, 10), 10);
 }
 
+// The export's parse reads and validates the project, and the render takes it from there: the
+// project file is opened to be recognised and to be read, once each, and its still once to be
+// probed and once to be drawn.
+TEST_F(MediaRuntimeTest, AnExportReadsItsProjectAndProbesItsMediaOnce) {
+    const QString still = QString::fromStdString(mediaFixture("still.png"));
+    const QString project = directory.filePath("edit.json");
+    QFile file(project);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QStringLiteral(R"({"reelsmith_project": 1, "output": {"width": 64, "height": 48},
+        "tracks": [{"type": "video", "clips": [{"source": "%1", "duration_ms": 200}]}]})")
+                   .arg(still)
+                   .toUtf8());
+    file.close();
+    const auto lines =
+        traced("open,openat", {"export", project, "--output=" + directory.filePath("out.mp4")});
+    EXPECT_EQ(countContaining(lines, "\"" + project.toUtf8() + "\""), 2);
+    EXPECT_EQ(countContaining(lines, "\"" + still.toUtf8() + "\""), 2);
+}
+
 } // namespace

@@ -280,4 +280,17 @@ TEST_F(MediaZooTest, SoundAloneExportsAnAacOnlyMp4AtThePresetsAudioRate) {
     }
 }
 
+TEST_F(MediaZooTest, ARangeOfSoundWithCoverArtExportsThatSpanOfTheSoundAlone) {
+    for (const char* name : {"cover_art.mp3", "cover_art.m4a"}) {
+        SCOPED_TRACE(name);
+        const json done = exported(fixture(name), {"--range=200:700"});
+        ASSERT_TRUE(done.is_object());
+        const json written = probed(output("export.mp4"));
+        ASSERT_EQ(written.at("streams").size(), 1u);
+        const json& audio = written.at("streams").at(0);
+        EXPECT_EQ(audio.at("codec_name"), "aac");
+        EXPECT_NEAR(std::stod(audio.at("duration").get<std::string>()), 0.5, 0.05);
+    }
+}
+
 } // namespace

@@ -121,9 +121,9 @@ TEST(ThumbnailRequestTest, HelpDescribesTheServiceAndEveryOption) {
     EXPECT_THROW(std::rethrow_exception(failure), EditorService::CLI::HelpException);
     const std::string help = failureText(failure);
     for (const char* expected :
-         {"Write the frame on screen at a time of a video as a PNG picture", "--path <path>",
-          "--output <file.png>", "--at <ms>", "--preset-frame-size", "--preset-resize-fill-mode",
-          "--overwrite", "--skip-existing"})
+         {"Write the frame on screen at a time of a video as a PNG or JPEG picture",
+          "--path <path>", "--output <file.png>", "--at <ms>", "--preset-frame-size",
+          "--preset-resize-fill-mode", "--overwrite", "--skip-existing"})
         EXPECT_NE(help.find(expected), std::string::npos) << expected;
 }
 
@@ -181,7 +181,7 @@ TEST(ThumbnailRequestTest, AnUnknownFillModeFailsWithThePresetOptionsText) {
 
 TEST(ThumbnailRequestTest, ATimeThatIsNoNumberFailsToParse) {
     EXPECT_THAT(fromCli({"clip.mp4", "--output=t.png", "--at=abc"}),
-                FailedWith<std::runtime_error>("Can not parse \"abc\" as long long"));
+                FailedWith<Error>("--at must be a whole number of milliseconds, is abc"));
 }
 
 TEST(ThumbnailRequestTest, AnExistingOutputFailsUnlessOneOfTheTwoChoicesIsGiven) {
@@ -204,4 +204,30 @@ TEST(ThumbnailRequestTest, OverwriteAndSkipExistingTogetherFailWithError) {
 TEST(ThumbnailRequestTest, ADefaultRequestIsInvalid) {
     EXPECT_THAT([] { ThumbnailRequest().validateOnLoad(); },
                 FailedWith<Error>("No media file specified, try --help for all available options"));
+}
+
+TEST(ThumbnailRequestTest, AnAtThatIsNoWholeNumberFailsWithTheOptionAndTheValue) {
+    for (const char* text : {"1.5", "99999999999999999999", "15s", "0x10", " 5", "soon"}) {
+        SCOPED_TRACE(text);
+        EXPECT_THAT(fromCli({"clip.mp4", "--output=t.png", QStringLiteral("--at=") + text}),
+                    FailedWith<Error>(
+                        std::string("--at must be a whole number of milliseconds, is ") + text));
+    }
+    EXPECT_THAT(fromCli({"clip.mp4", "--output=t.png", "--at="}),
+                FailedWith<Error>("--at must be a whole number of milliseconds, is \"\""));
+}
+
+TEST(ThumbnailRequestTest, AJsonAtIsAWholeNumberOrItsText) {
+    for (const nlohmann::json& at : {nlohmann::json(1500), nlohmann::json("1500")}) {
+        ThumbnailRequest::Serializer serializer;
+        const auto request =
+            serializer.loadFromJson({{"path", "clip.mp4"}, {"output", "t.png"}, {"at", at}});
+        EXPECT_EQ(thumbnail(request).at, 1500);
+    }
+    EXPECT_THAT(fromJson({{"path", "clip.mp4"}, {"output", "t.png"}, {"at", 1.5}}),
+                FailedWith<Error>("--at must be a whole number of milliseconds, is 1.5"));
+    EXPECT_THAT(
+        fromJson({{"path", "clip.mp4"}, {"output", "t.png"}, {"at", 18446744073709551615u}}),
+        FailedWith<Error>("--at must be a whole number of milliseconds, is "
+                          "18446744073709551615"));
 }

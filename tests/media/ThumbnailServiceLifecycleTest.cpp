@@ -114,7 +114,7 @@ TEST_P(ThumbnailServiceLifecycleTest, TheEndingEventEndsTheStreamOnceAndNothingO
                 const auto& taken = log->values[i].at("thumbnail");
                 EXPECT_EQ(taken.at("path"), list[i].path.toStdString());
                 EXPECT_EQ(taken.at("output"), list[i].output.toStdString());
-                EXPECT_EQ(taken.at("frame_ms"), list[i].at);
+                EXPECT_EQ(taken.at("frame_ms"), list[i].at.milliseconds);
             }
         } else if (ending == Event::Fail) {
             // The thumbnails run in the order they came: the first one's failure ends the

@@ -14,4 +14,5 @@ TEST(CodecSetsTest, FindsTheEditorsEncodersByTheirPresetNames) {
     EXPECT_EQ(encoders.at("CODEC_ID_HEVC"), "libx265");
     EXPECT_EQ(encoders.at("CODEC_ID_AAC"), "aac");
     EXPECT_EQ(encoders.at("CODEC_ID_PNG"), "png");
+    EXPECT_EQ(encoders.at("CODEC_ID_MJPEG"), "mjpeg");
 }

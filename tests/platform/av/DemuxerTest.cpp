@@ -7,12 +7,14 @@
 #include "tests/support/MediaFixtures.h"
 
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 #include <atomic>
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 extern "C" {
@@ -196,6 +198,49 @@ TEST(DemuxerTest, ReadsTheDisplayRotationAndThePixelShapeOfAVideoStream) {
     const Demuxer anamorphic(mediaFixture("sar_64_45.mp4"));
     EXPECT_EQ(anamorphic.info().streams.at(0).sampleAspectRatio, (Velmor::AV::Rational{64, 45}));
     EXPECT_EQ(anamorphic.info().streams.at(0).rotation, 0);
+    EXPECT_FALSE(rotated.info().streams.at(0).mirrored);
+}
+
+TEST(DemuxerTest, TellsADisplayMatrixThatMirrorsFromOneThatTurns) {
+    const Demuxer flipped(mediaFixture("mirror_h.mp4"));
+    EXPECT_TRUE(flipped.info().streams.at(0).mirrored);
+    EXPECT_EQ(flipped.info().streams.at(0).rotation, -180);
+    const Demuxer transposed(mediaFixture("mirror_transposed.mp4"));
+    EXPECT_TRUE(transposed.info().streams.at(0).mirrored);
+    EXPECT_EQ(transposed.info().streams.at(0).rotation, -90);
+}
+
+TEST(DemuxerTest, AFileCanSeekAndAPipeCanNot) {
+    EXPECT_TRUE(Demuxer(mediaFixture("h264_aac.mp4")).canSeek());
+    QTemporaryDir directory;
+    const std::string fifo = directory.filePath("fed").toStdString();
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    // Opened for writing only once the demuxer waits for a writer.
+    std::thread writer([&fifo] {
+        QFile input(QString::fromStdString(mediaFixture("open_gop.ts")));
+        QFile output(QString::fromStdString(fifo));
+        if (input.open(QIODevice::ReadOnly) && output.open(QIODevice::WriteOnly))
+            output.write(input.readAll());
+    });
+    {
+        Demuxer fed(fifo);
+        EXPECT_FALSE(fed.canSeek());
+        Packet packet;
+        while (fed.read(packet)) {
+        }
+    }
+    writer.join();
+}
+
+TEST(DemuxerTest, APipeNobodyWritesToIsWaitedForUntilTheCallbackGivesUp) {
+    QTemporaryDir directory;
+    const std::string fifo = directory.filePath("unfed").toStdString();
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    std::atomic<int> asked{0};
+    EXPECT_THAT(
+        [&] { Demuxer demuxer(fifo, [&] { return ++asked > 5; }); },
+        FailedWith<MediaError>("Can not open media file: " + fifo + ": Immediate exit requested"));
+    EXPECT_GT(asked, 5);
 }
 
 TEST(DemuxerTest, TakesNoCoverArtForTheVideo) {

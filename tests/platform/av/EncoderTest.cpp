@@ -176,8 +176,9 @@ TEST(EncoderTest, Libx265GivesOneAndTwoFramesDecodingTimesInOrderAndNeverPastThe
             ASSERT_EQ(encodePictures(*encoder, count, &times).size(), std::size_t(count));
             for (std::size_t i = 0; i < times.size(); ++i) {
                 EXPECT_LE(times[i].dts, times[i].pts) << attempt << " " << i;
-                if (i > 0)
+                if (i > 0) {
                     EXPECT_LT(times[i - 1].dts, times[i].dts) << attempt << " " << i;
+                }
             }
         }
     }

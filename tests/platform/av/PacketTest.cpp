@@ -4,6 +4,7 @@
 
 extern "C" {
 #include <libavcodec/packet.h>
+#include <libavutil/avutil.h>
 }
 
 using Velmor::AV::Packet;
@@ -23,4 +24,17 @@ TEST(PacketTest, ResetDropsTheDataAndKeepsThePacket) {
     packet.reset();
     EXPECT_EQ(packet.get(), raw);
     EXPECT_EQ(packet->size, 0);
+}
+
+TEST(PacketTest, ShiftMovesBothTimesAndLeavesAnUnknownOneUnknown) {
+    Packet packet;
+    packet->pts = 100;
+    packet->dts = 90;
+    packet.shift(1000);
+    EXPECT_EQ(packet.timestamp(), 1100);
+    EXPECT_EQ(packet.decodingTimestamp(), 1090);
+    packet->dts = AV_NOPTS_VALUE;
+    packet.shift(-100);
+    EXPECT_EQ(packet.timestamp(), 1000);
+    EXPECT_EQ(packet.decodingTimestamp(), AV_NOPTS_VALUE);
 }

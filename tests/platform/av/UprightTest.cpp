@@ -91,3 +91,21 @@ TEST(UprightTest, StretchesAnamorphicPicturesToSquarePixels) {
     EXPECT_EQ(stretched.width(), 32);
     EXPECT_EQ(stretched.height(), 8);
 }
+
+TEST(UprightTest, MirrorsAsAFlippingDisplayMatrixSays) {
+    // The angles are those the matrices read as: a left-right flip reads as -180, an up-down
+    // flip as 0, a flip across the main diagonal as -90.
+    const struct {
+        int rotation;
+        Size size;
+        int corner;
+    } mirrors[] = {{-180, {8, 4}, 1}, {0, {8, 4}, 3}, {-90, {4, 8}, 0}};
+    for (const auto& mirror : mirrors) {
+        SCOPED_TRACE(mirror.rotation);
+        Upright upright({8, 4}, pixelFormat("gray"), mirror.rotation, {1, 1}, true);
+        EXPECT_TRUE(upright.changes());
+        const Frame shown = upright.run(markedPicture(8, 4));
+        EXPECT_EQ((Size{shown.width(), shown.height()}), mirror.size);
+        EXPECT_EQ(corner(shown), mirror.corner);
+    }
+}

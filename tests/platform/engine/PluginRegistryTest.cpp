@@ -30,6 +30,7 @@ TEST(PluginRegistryTest, TheEncodersPluginFindsTheEditorsEncoders) {
     const std::map<std::string, std::string> expected{{"CODEC_ID_AAC", "aac"},
                                                       {"CODEC_ID_H264", "libx264"},
                                                       {"CODEC_ID_HEVC", "libx265"},
+                                                      {"CODEC_ID_MJPEG", "mjpeg"},
                                                       {"CODEC_ID_PNG", "png"}};
     EXPECT_EQ(plugin.encoders, expected);
 }

@@ -2,6 +2,7 @@
 #include "platform/export/Exporter.h"
 #include "platform/export/PresetProvider.h"
 #include "platform/project/ProjectError.h"
+#include "platform/projectrender/ProjectLoader.h"
 #include "tests/support/FailedWith.h"
 
 #include <QTemporaryDir>
@@ -79,6 +80,17 @@ TEST_F(ProjectExporterTest, ProgressFollowsEachComposedFrameUpToTheWhole) {
     ASSERT_EQ(values.size(), 40u);
     EXPECT_EQ(values.back().frames, 40);
     EXPECT_DOUBLE_EQ(values.back().progress, 1.0);
+}
+
+// A project the settings hold loaded is rendered as it is: its file is not read again (here it
+// no longer holds a project at all).
+TEST_F(ProjectExporterTest, AProjectLoadedAlreadyIsNotReadAgain) {
+    ExportSettings loaded = settings(colours(800));
+    loaded.project = std::make_shared<const Project::Edit>(
+        Velmor::Render::loadProject(QString::fromStdString(loaded.input)));
+    std::ofstream(loaded.input) << "not a project";
+    const ExportResult result = Exporter(loaded).run({});
+    EXPECT_EQ(result.frames, 20);
 }
 
 TEST_F(ProjectExporterTest, CancelFromAnotherThreadEndsAProjectExportAndLeavesNoFile) {

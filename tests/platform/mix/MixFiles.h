@@ -6,6 +6,7 @@
 #include "platform/av/Packet.h"
 #include "platform/av/Resampler.h"
 #include "platform/mix/Mixer.h"
+#include "tests/support/MeasuredLoudness.h"
 #include "tests/support/NewFile.h"
 
 #include <QProcess>
@@ -68,28 +69,6 @@ inline std::vector<float> decodedSamples(const std::string& path) {
     std::vector<float> samples(static_cast<std::size_t>(raw.size()) / sizeof(float));
     std::memcpy(samples.data(), raw.constData(), samples.size() * sizeof(float));
     return samples;
-}
-
-// ffmpeg's ebur128 (with true peaks) on a sound file: its integrated loudness in LUFS and its
-// true peak in dBTP, from the summary it prints.
-struct Loudness {
-    double integrated = 0;
-    double truePeak = 0;
-};
-
-inline Loudness measuredLoudness(const std::string& path) {
-    const QString summary = QString::fromUtf8(
-        runTool("ffmpeg", {"-nostats", "-hide_banner", "-i", QString::fromStdString(path), "-af",
-                           "ebur128=peak=true", "-f", "null", "-"})
-            .errors);
-    Loudness loudness;
-    const auto integrated =
-        QRegularExpression(R"(Integrated loudness:\s+I:\s+(-?[\d.]+) LUFS)").match(summary);
-    const auto peak =
-        QRegularExpression(R"(True peak:\s+Peak:\s+(-?[\d.inf]+) dBFS)").match(summary);
-    loudness.integrated = integrated.hasMatch() ? integrated.captured(1).toDouble() : 1000;
-    loudness.truePeak = peak.hasMatch() ? peak.captured(1).toDouble() : 1000;
-    return loudness;
 }
 
 } // namespace EditorService::Testing
