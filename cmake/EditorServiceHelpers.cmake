@@ -107,25 +107,3 @@ function(editorservice_install_package)
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/EditorService)
 endfunction()
 
-# editorservice_add_plugin_module(<target> <plug-in name> SOURCES ... [LIBS ...] [OUTPUT_DIRECTORY <dir>])
-# A plug-in module the engine opens at run time, named after its plug-in ("DecodersFF.so"). LIBS
-# are linked into the module and hidden there: only the media stages and other code that keeps no
-# process-wide instance belong there. Whatever else the module calls (the engine, controllers'
-# instance()) it leaves undefined and finds in the program that opens it, which exports its
-# symbols; headers come from the repository root.
-function(editorservice_add_plugin_module target pluginName)
-    cmake_parse_arguments(ARG "" "OUTPUT_DIRECTORY" "SOURCES;LIBS" ${ARGN})
-    add_library(${target} MODULE ${ARG_SOURCES})
-    target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
-    target_link_libraries(${target} PRIVATE ${ARG_LIBS} EditorService::Warnings)
-    # Only the media libraries a module calls: the rest of their tree costs every start dearly.
-    target_link_options(${target} PRIVATE -Wl,--exclude-libs,ALL -Wl,--as-needed)
-    set_target_properties(${target} PROPERTIES
-        OUTPUT_NAME ${pluginName}
-        PREFIX ""
-        CXX_VISIBILITY_PRESET hidden
-        VISIBILITY_INLINES_HIDDEN ON)
-    if(ARG_OUTPUT_DIRECTORY)
-        set_target_properties(${target} PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${ARG_OUTPUT_DIRECTORY})
-    endif()
-endfunction()

@@ -1,11 +1,11 @@
 #include "platform/engine/PluginModule.h"
 
-#include "platform/engine/PluginEntry.h"
+#include "platform/av/MediaError.h"
+#include "platform/av/MediaLibraries.h"
 #include "platform/engine/PluginError.h"
 
 #include <algorithm>
 #include <climits>
-#include <dlfcn.h>
 #include <unistd.h>
 
 namespace Velmor::Core {
@@ -33,18 +33,6 @@ std::string findModule(const std::string& pluginName, const std::vector<std::str
     throw loadFailure(pluginName, fileName + " is in none of " + joined(searchPath));
 }
 
-PluginEntry openEntry(const std::string& pluginName, const std::string& path) {
-    // Never closed: see the class comment. RTLD_LOCAL keeps the module's copies of the media
-    // stages from standing in for anyone else's.
-    void* module = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!module)
-        throw loadFailure(pluginName, ::dlerror());
-    void* entry = ::dlsym(module, pluginEntryName);
-    if (!entry)
-        throw loadFailure(pluginName, path + " has no entry " + pluginEntryName);
-    return reinterpret_cast<PluginEntry>(entry);
-}
-
 // Where an installed program's modules are, wherever the installation was moved to; in the build
 // tree it is the same directory as the build tree's for the console host.
 std::string besideTheProgram() {
@@ -70,13 +58,17 @@ const std::vector<std::string>& PluginModule::SearchPath() {
     return directories;
 }
 
-void PluginModule::Load(LoadedPlugin& plugin) {
-    Load(plugin, SearchPath());
+void PluginModule::Load(const std::string& pluginName) {
+    Load(pluginName, SearchPath());
 }
 
-void PluginModule::Load(LoadedPlugin& plugin, const std::vector<std::string>& searchPath) {
-    const PluginEntry entry = openEntry(plugin.name, findModule(plugin.name, searchPath));
-    entry(plugin);
+void PluginModule::Load(const std::string& pluginName, const std::vector<std::string>& searchPath) {
+    const std::string path = findModule(pluginName, searchPath);
+    try {
+        AV::MediaLibraries::open(path);
+    } catch (const AV::MediaError& error) {
+        throw loadFailure(pluginName, error.what());
+    }
 }
 
 } // namespace Velmor::Core

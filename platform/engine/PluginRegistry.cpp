@@ -1,5 +1,7 @@
 #include "platform/engine/PluginRegistry.h"
 
+#include "platform/av/CodecSets.h"
+#include "platform/av/EffectFilters.h"
 #include "platform/engine/PluginModule.h"
 #include "platform/engine/Probe.h"
 
@@ -24,7 +26,13 @@ LoadedPlugin PluginRegistry::Load(const std::string& pluginName) {
     Testing::Probe::hit("PluginRegistry::Load");
     LoadedPlugin plugin{pluginName, {}};
     if (PluginModule::IsModule(pluginName))
-        PluginModule::Load(plugin);
+        PluginModule::Load(pluginName);
+    if (pluginName == "DecodersFF")
+        AV::findDecoding();
+    else if (pluginName == "EncodersFF")
+        plugin.encoders = AV::findEncoders();
+    else if (pluginName == "EffectsFF")
+        AV::findEffectFilters();
     return plugin;
 }
 

@@ -1,7 +1,8 @@
 #include "platform/engine/PluginModule.h"
 
 #include "platform/engine/PluginError.h"
-#include "platform/engine/Probe.h"
+#include "platform/av/MediaLibraries.h"
+#include "platform/engine/PluginRegistry.h"
 #include "tests/support/FailedWith.h"
 
 #include <QDir>
@@ -11,7 +12,6 @@
 
 using EditorService::Testing::FailedWith;
 using namespace Velmor::Core;
-using Velmor::Testing::Probe;
 
 TEST(PluginModuleTest, ThePluginsOnTheMediaLibrariesAreModules) {
     for (const auto& name : PluginRegistry::KnownPlugins()) {
@@ -31,10 +31,9 @@ TEST(PluginModuleTest, TheBuildTreeHoldsEveryModule) {
 }
 
 TEST(PluginModuleTest, AMissingModuleNamesTheDirectoriesSearched) {
-    LoadedPlugin plugin{"DecodersFF", {}};
     EXPECT_THAT(
         [&] {
-            PluginModule::Load(plugin, {"/nonexistent/one", "/nonexistent/two"});
+            PluginModule::Load("DecodersFF", {"/nonexistent/one", "/nonexistent/two"});
         },
         FailedWith<PluginError>("Can not load the plug-in DecodersFF: DecodersFF.so is in none of "
                                 "/nonexistent/one, /nonexistent/two"));
@@ -46,31 +45,18 @@ TEST(PluginModuleTest, AFileThatIsNoModuleFailsWithTheLoadersReason) {
     ASSERT_TRUE(notAModule.open(QIODevice::WriteOnly));
     notAModule.write("not a shared library");
     notAModule.close();
-    LoadedPlugin plugin{"EncodersFF", {}};
     try {
-        PluginModule::Load(plugin, {directory.path().toStdString()});
+        PluginModule::Load("EncodersFF", {directory.path().toStdString()});
         FAIL() << "no failure";
     } catch (const PluginError& error) {
         const std::string text = error.what();
         EXPECT_EQ(text.rfind("Can not load the plug-in EncodersFF: ", 0), 0u) << text;
         EXPECT_NE(text.find(notAModule.fileName().toStdString()), std::string::npos) << text;
     }
-    EXPECT_TRUE(plugin.encoders.empty());
 }
 
-TEST(PluginModuleTest, TheEncodersModuleFillsInTheEncoders) {
-    LoadedPlugin plugin{"EncodersFF", {}};
-    PluginModule::Load(plugin);
-    EXPECT_EQ(plugin.encoders.at("CODEC_ID_PNG"), "png");
-}
-
-// The libraries are static: a module that linked them would call its own engine and controllers.
-// It links none, and the program that opens it lends it its own.
-TEST(PluginModuleTest, AModuleCallsTheProgramsInstancesNotCopiesOfItsOwn) {
-    Probe::clear();
-    Probe::failNext("SharedProbe::entry");
-    LoadedPlugin plugin{"SharedProbe", {}};
-    EXPECT_THAT([&] { PluginModule::Load(plugin, {TEST_MODULE_DIR}); },
-                FailedWith<std::runtime_error>("Injected failure at SharedProbe::entry"));
-    Probe::clear();
+TEST(PluginModuleTest, AModuleOpensTheMediaLibraries) {
+    PluginModule::Load("EncodersFF");
+    EXPECT_TRUE(Velmor::AV::MediaLibraries::isOpen());
+    EXPECT_EQ(PluginRegistry::Load("EncodersFF").encoders.at("CODEC_ID_PNG"), "png");
 }
