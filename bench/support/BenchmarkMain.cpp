@@ -6,13 +6,17 @@
 #include <cstdlib>
 #include <glog/logging.h>
 
+// A benchmark that links the media stages has the media libraries open before anything else, as a
+// program whose engine has started.
+__attribute__((constructor(101))) static void openMediaLibraries() {
+    Velmor::AV::openMediaLibrariesIfLinked(VELMOR_MEDIA_MODULE);
+}
+
 // The surroundings of the console host (host/main.cpp): a Qt core application whose event loop
 // is the main thread's, one CLILauncher for the command sources, the time zone named once for
 // glog's time stamps, and glog writing to stderr, which the caller points at the sink it wants
-// to measure (bench/compare: /dev/null or a file). The media libraries are open from the start when
-// the benchmarks link the media stages, as in a program whose engine has started.
+// to measure (bench/compare: /dev/null or a file).
 int main(int argc, char** argv) {
-    Velmor::AV::openMediaLibrariesIfLinked(VELMOR_MEDIA_MODULE);
     setenv("TZ", ":/etc/localtime", 0);
     FLAGS_logtostderr = true;
     google::InitGoogleLogging(argv[0]);

@@ -1,6 +1,6 @@
 #include "tests/host/HostProcess.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 using EditorService::Testing::HostRun;
 using EditorService::Testing::QuietHostSanitizer;
@@ -31,6 +31,20 @@ protected:
         return false;
     }
 
+    // The media libraries the loader initialised ("libavformat.so.59", ...).
+    static QList<QByteArray> mediaLibraries(const QByteArray& account) {
+        QList<QByteArray> found;
+        for (const QByteArray& line : account.split('\n')) {
+            if (!line.contains("calling init: "))
+                continue;
+            for (const char* library : {"libavformat", "libavcodec", "libavutil", "libavfilter",
+                                        "libswscale", "libswresample"})
+                if (line.contains(QByteArray("/") + library + ".so"))
+                    found.append(library);
+        }
+        return found;
+    }
+
     QuietHostSanitizer quietSanitizer;
 };
 
@@ -51,6 +65,25 @@ TEST_F(PluginModulesTest, ADisabledPluginsModuleIsNeverOpened) {
 TEST_F(PluginModulesTest, ACommandWithoutTheEngineOpensNoModule) {
     const QByteArray account = librariesOpenedBy({"echo", "x"});
     EXPECT_FALSE(account.contains("/plugins/"));
+}
+
+TEST_F(PluginModulesTest, ACommandWithoutTheEngineMapsNoMediaLibrary) {
+    EXPECT_THAT(mediaLibraries(librariesOpenedBy({"echo", "x"})), testing::IsEmpty());
+    EXPECT_THAT(mediaLibraries(librariesOpenedBy({"--help"})), testing::IsEmpty());
+}
+
+TEST_F(PluginModulesTest, TheEngineMapsTheMediaLibrariesThroughItsModules) {
+    EXPECT_THAT(mediaLibraries(librariesOpenedBy({"runtime", "--require=engine"})),
+                testing::IsSupersetOf({"libavformat", "libavcodec", "libavutil", "libavfilter",
+                                       "libswscale", "libswresample"}));
+}
+
+TEST_F(PluginModulesTest, EveryPluginOnTheMediaLibrariesDisabledMapsNone) {
+    const QByteArray account = librariesOpenedBy(
+        {"--disable-plugin=DecodersFF", "--disable-plugin=EncodersFF",
+         "--disable-plugin=EffectsFF", "runtime", "--require=engine"});
+    EXPECT_FALSE(account.contains("/plugins/"));
+    EXPECT_THAT(mediaLibraries(account), testing::IsEmpty());
 }
 
 } // namespace
