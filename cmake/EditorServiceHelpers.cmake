@@ -106,4 +106,3 @@ function(editorservice_install_package)
         ${PROJECT_BINARY_DIR}/EditorServiceConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/EditorService)
 endfunction()
-
