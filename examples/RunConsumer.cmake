@@ -26,3 +26,10 @@ set(expected "{\"greeting\":\"Hello, Ada\"}\n{\"greeting\":\"Hello, Grace\"}\n")
 if(result OR NOT out STREQUAL expected)
     message(FATAL_ERROR "the consumer ended with ${result} and printed:\n${out}\n${err}")
 endif()
+# The installed host opens the plug-in modules installed beside it, not the build tree's.
+execute_process(COMMAND ${CMAKE_COMMAND} -E env LD_DEBUG=libs
+        ${WORK}/install/bin/reelsmith runtime --require=engine
+    RESULT_VARIABLE result OUTPUT_VARIABLE out ERROR_VARIABLE err)
+if(result OR NOT err MATCHES "calling init: ${WORK}/install/bin/[^\n]*/plugins/DecodersFF.so")
+    message(FATAL_ERROR "the installed host ended with ${result} and opened:\n${err}")
+endif()

@@ -1,9 +1,16 @@
+#include "platform/av/MediaLibraries.h"
 #include "service/launcher/CLILauncher.h"
 
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>
 #include <cstdlib>
 #include <glog/logging.h>
+
+// A benchmark that links the media stages has the media libraries open before anything else, as a
+// program whose engine has started.
+__attribute__((constructor(101))) static void openMediaLibraries() {
+    Velmor::AV::openMediaLibrariesIfLinked(VELMOR_MEDIA_MODULE);
+}
 
 // The surroundings of the console host (host/main.cpp): a Qt core application whose event loop
 // is the main thread's, one CLILauncher for the command sources, the time zone named once for

@@ -2,6 +2,7 @@
 #include "platform/av/Demuxer.h"
 #include "platform/av/Frame.h"
 #include "platform/av/MediaError.h"
+#include "platform/av/MediaLibraries.h"
 #include "platform/proc/Resizer.h"
 
 #include <cstdint>
@@ -57,6 +58,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const bool opened = (Velmor::AV::MediaLibraries::open(VELMOR_MEDIA_MODULE), true);
+    (void)opened;
     std::FILE* file = std::fopen(scratchPath().c_str(), "wb");
     if (!file)
         std::abort();

@@ -2,6 +2,7 @@
 
 #include "platform/av/CodecSets.h"
 #include "platform/av/EffectFilters.h"
+#include "platform/engine/PluginModule.h"
 #include "platform/engine/Probe.h"
 
 #include <algorithm>
@@ -24,6 +25,8 @@ bool PluginRegistry::IsKnown(const std::string& pluginName) {
 LoadedPlugin PluginRegistry::Load(const std::string& pluginName) {
     Testing::Probe::hit("PluginRegistry::Load");
     LoadedPlugin plugin{pluginName, {}};
+    if (PluginModule::IsModule(pluginName))
+        PluginModule::Load(pluginName);
     if (pluginName == "DecodersFF")
         AV::findDecoding();
     else if (pluginName == "EncodersFF")

@@ -19,10 +19,11 @@ public:
     static const std::vector<std::string>& KnownPlugins();
     static bool IsKnown(const std::string& pluginName);
 
-    // Loads a known plug-in. "DecodersFF" and "EncodersFF" ask the media libraries for their
-    // demuxers and decoders, and for the editor's encoders; "EffectsFF" for the filters that
-    // titles and the audio mix are made with; the others find nothing to load in this build.
-    // Throws what the libraries throw.
+    // Loads a known plug-in. "EffectsFF", "DecodersFF" and "EncodersFF" first open their modules
+    // (PluginModule), which map the media libraries, then ask the libraries for the filters that
+    // titles and the audio mix are made with, for their demuxers and decoders, and for the
+    // editor's encoders; the others find nothing to load in this build. Throws what opening the
+    // module or the libraries throw.
     static LoadedPlugin Load(const std::string& pluginName);
 };
 
