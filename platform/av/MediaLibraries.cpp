@@ -2,7 +2,6 @@
 
 #include "platform/av/MediaError.h"
 
-#include <cstring>
 #include <dlfcn.h>
 #include <map>
 #include <mutex>
@@ -10,7 +9,8 @@
 #ifdef VELMOR_MEDIA_ON_DEMAND
 // The slots the jumps of MediaFunctions.S go through, each pointing at first at a stub that
 // calls velmorMediaFunctionUnbound with the function's name.
-#define MEDIA_FUNCTION(name) extern "C" __attribute__((visibility("hidden"))) void* velmorSlot_##name;
+#define MEDIA_FUNCTION(name)                                                                       \
+    extern "C" __attribute__((visibility("hidden"))) void* velmorSlot_##name;
 #include "platform/av/MediaFunctions.def"
 #undef MEDIA_FUNCTION
 

@@ -79,9 +79,9 @@ TEST_F(PluginModulesTest, TheEngineMapsTheMediaLibrariesThroughItsModules) {
 }
 
 TEST_F(PluginModulesTest, EveryPluginOnTheMediaLibrariesDisabledMapsNone) {
-    const QByteArray account = librariesOpenedBy(
-        {"--disable-plugin=DecodersFF", "--disable-plugin=EncodersFF",
-         "--disable-plugin=EffectsFF", "runtime", "--require=engine"});
+    const QByteArray account =
+        librariesOpenedBy({"--disable-plugin=DecodersFF", "--disable-plugin=EncodersFF",
+                           "--disable-plugin=EffectsFF", "runtime", "--require=engine"});
     EXPECT_FALSE(account.contains("/plugins/"));
     EXPECT_THAT(mediaLibraries(account), testing::IsEmpty());
 }

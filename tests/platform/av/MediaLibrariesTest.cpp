@@ -1,6 +1,6 @@
+#include "platform/av/MediaLibraries.h"
 #include "platform/av/CodecSets.h"
 #include "platform/av/MediaError.h"
-#include "platform/av/MediaLibraries.h"
 #include "tests/support/FailedWith.h"
 
 #include <QFile>

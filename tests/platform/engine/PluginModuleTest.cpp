@@ -1,7 +1,7 @@
 #include "platform/engine/PluginModule.h"
 
-#include "platform/engine/PluginError.h"
 #include "platform/av/MediaLibraries.h"
+#include "platform/engine/PluginError.h"
 #include "platform/engine/PluginRegistry.h"
 #include "tests/support/FailedWith.h"
 
