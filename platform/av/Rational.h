@@ -1,10 +1,18 @@
 #pragma once
 
-#include "platform/mediatypes/Rational.h"
-
 #include <cstdint>
 
 namespace Velmor::AV {
+
+// A time base or a frame rate, as a fraction: the libraries' AVRational without their header.
+struct Rational {
+    int num = 0;
+    int den = 1;
+
+    bool operator==(const Rational& other) const { return num == other.num && den == other.den; }
+    bool operator!=(const Rational& other) const { return !(*this == other); }
+    double toDouble() const { return den ? static_cast<double>(num) / den : 0.0; }
+};
 
 // A timestamp from one time base to another, rounded to the nearest; an unknown timestamp
 // (noTimestamp) stays unknown.
