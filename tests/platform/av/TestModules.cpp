@@ -9,7 +9,3 @@ velmorMediaFunctions(std::size_t* count) {
     return nullptr;
 }
 #endif
-
-extern "C" __attribute__((visibility("default"))) int velmorTestModule() {
-    return 1;
-}
